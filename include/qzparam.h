@@ -1,0 +1,96 @@
+/// @file
+/// Parameter trees: named, typed values in nested sections.
+///
+/// **Names** are narrow text, matched by a 32-bit hash over the ASCII-lower-cased bytes (h = h * 257 + signed
+/// byte) and by nothing else: case does not matter, and two names of one hash are one entry. Names such as
+/// "value000123" collide from five varying digits on; vary letters instead, or nest.
+///
+/// **Paths.** In a name given to CreateSubParam, OpenSubParam, GetValue and SetValue the character "\"
+/// separates levels. The other operations take a name in this node only.
+///
+/// **Threads.** A tree is used by one thread at a time.
+#pragma once
+
+#include "qzunknown.h"
+
+class CXString;
+class IXStream;
+struct tagQZVARIANT;
+
+/// A node of a parameter tree. Every IParam* and enumerator that an operation returns carries one reference
+/// for the caller. Trees of any depth are built, copied, stored and released without deep recursion.
+class IParam : public IQZUnknown {
+public:
+    /// Creates a child and returns it; one that exists is emptied first. Missing nodes on a path are created,
+    /// existing ones are kept. @return null when there is no memory
+    virtual IParam* CreateSubParam(const char* name) = 0;
+
+    /// Opens a child. @param create non-zero to create a missing one
+    /// @return null when it is missing and create is 0, or there is no memory
+    ///
+    /// When the first node of a path is missing and create is set, the rest of the path is created right
+    /// here, without that first node: "a\b" makes b. Stored settings rely on it.
+    virtual IParam* OpenSubParam(const char* name, int create) = 0;
+
+    /// Removes a child and everything under it; who still holds it has an empty node. None is no failure.
+    virtual void DeleteSubParam(const char* name) = 0;
+    virtual void DeleteAllSubParams() = 0;
+
+    /// @return the names of the children, first created first in memory. Null when it cannot be made.
+    virtual CTEnum<const char*>* EnumSubParams() = 0;
+
+    /// Reads a value. @param name null or empty means the default value "@"
+    /// @param out cleared and filled with a copy, which the caller clears; left alone (in memory; other
+    ///            backends clear it) when there is no such value
+    /// @return 1 when found, else 0
+    virtual int GetValue(const char* name, tagQZVARIANT* out) = 0;
+
+    /// Stores a copy of a value, creating the nodes on its path by OpenSubParam(path, 1).
+    virtual void SetValue(const char* name, const tagQZVARIANT* value) = 0;
+
+    virtual void DeleteValue(const char* name) = 0; ///< none is no failure
+    virtual void DeleteAllValues() = 0;
+
+    /// @return the names of the values, first stored first in memory. Null when it cannot be made.
+    virtual CTEnum<const char*>* EnumValues() = 0;
+
+    virtual void Clear() = 0; ///< removes all values and all children
+
+    virtual ~IParam() = default;
+};
+
+/// @return a new, empty tree in memory with one reference for the caller; null when there is no memory. It
+///         also answers for IRegisterIface, and through it for every interface registered there.
+QZR_API IParam* new_MemParam();
+
+/// Writes a tree in its text form on one line, statements joined by "|". docs/text-form.md describes it.
+/// @return 1; 0 when param is null or there is no memory for the text (out is then untouched)
+QZR_API int Param_Param2String(IParam* param, CXString& out);
+
+/// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
+/// "#include" opens files; names beginning with "." are taken from the current directory.
+/// @return 1; 0 when param is null or there is no memory
+QZR_API int Param_String2Param(CXString& text, IParam* param);
+
+/// Writes a tree in its binary form at the stream's position. docs/stream-form.md describes it.
+/// @return 1; 0 when a CXFileException interrupted the writing. Other exceptions pass.
+QZR_API int SaveParamToXStream(IXStream* stream, IParam* param);
+
+/// Empties the tree, then reads the binary form from the stream's position.
+/// @return 1, also when the data ends early (what was read is kept); 0 after a CXFileException (the tree is
+///         empty then). Other exceptions pass.
+QZR_API int LoadParamFromXStream(IXStream* stream, IParam* param);
+
+/// Tells whether b holds everything that a holds: every value, equal, and every child, by the same rule. What
+/// only b has does not matter: trees are equal when it holds both ways.
+/// @return 1 or 0; 0 when either is null
+QZR_API int Param_Cmp(IParam* a, IParam* b);
+
+/// Copies src's children and values into dst, over what is there; nothing of dst is removed. dst may lie
+/// below src: nodes made by this call are not copied again.
+/// Throws CXIFaceException when a node gives no enumerator.
+QZR_API void Param_CopyTo(IParam* src, IParam* dst);
+
+/// Writes the names of the tree's values and children to the debugger: " %s \n" for a value, "--- %s ---\n"
+/// for a child, followed by the child's own. Throws CXIFaceException when a node gives no enumerator.
+QZR_API void Dump_Param(IParam* param);
