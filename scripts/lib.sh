@@ -109,13 +109,14 @@ use_display() {
 
 set_registry() { "$QZR_WINE" reg add "$1" /v "$2" /t "$3" /d "$4" /f 9>&- </dev/null >/dev/null 2>&1; }
 
-# A new prefix. A crash opens no dialog and no debugger, and windows wait for no window manager.
+# A new prefix. A crash asks nobody: with Auto 0 it would open a message box, with 1 it starts the
+# debugger, which the environment above switches off. Windows wait for no window manager.
 make_prefix() {
     mkdir -p "$WINEPREFIX"
     start_server
     timeout 120 "$QZR_WINE" wineboot -i 9>&- </dev/null >"$(log_file wineprefix)" 2>&1 ||
         die "the Wine prefix cannot be made, see $(log_file wineprefix)"
-    set_registry 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' Auto REG_SZ 0
+    set_registry 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' Auto REG_SZ 1
     set_registry 'HKCU\Software\Wine\WineDbg' ShowCrashDialog REG_DWORD 0
     set_registry 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N
     touch "$WINEPREFIX/.complete"
