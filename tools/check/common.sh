@@ -5,6 +5,8 @@ QZR_BIN=${QZR_BIN:-build/debug/bin}
 folders=(core string variant stream fio param supp)
 status=0
 
+git -c safe.directory='*' rev-parse --git-dir >/dev/null || exit 1
+
 # tracked PATTERN...: the tree's own files that match, new ones not yet added included, deleted ones not.
 tracked() {
     git -c safe.directory='*' ls-files --cached --others --exclude-standard -- "$@" |
