@@ -1,0 +1,108 @@
+// The process's heaps: their list, the default heap, the lock they share, the low-memory sink, the
+// statistics.
+#pragma once
+
+#include "core/heap.h"
+#include "core/native_lock.h"
+
+#include <atomic>
+
+namespace qzr {
+
+// Cumulative counters. Requests are counted under the heap lock, so they need no atomic addition; frees come
+// from any thread at any time.
+class Activity {
+public:
+    void count_request(unsigned long long bytes) noexcept {
+        add_alone(bytes_, bytes);
+        add_alone(requests_, 1);
+    }
+    void count_free() noexcept { frees_.fetch_add(1, std::memory_order_relaxed); }
+
+    unsigned long long bytes() const noexcept { return bytes_.load(std::memory_order_relaxed); }
+    unsigned long long operations() const noexcept {
+        return requests_.load(std::memory_order_relaxed) + frees_.load(std::memory_order_relaxed);
+    }
+
+private:
+    using Counter = std::atomic<unsigned long long>;
+
+    static void add_alone(Counter& counter, unsigned long long n) noexcept {
+        counter.store(counter.load(std::memory_order_relaxed) + n, std::memory_order_relaxed);
+    }
+
+    Counter bytes_{0};
+    Counter requests_{0};
+    Counter frees_{0};
+};
+
+// The bytes that the library allows itself, from what the system has to spare. The first term is cut to 32
+// bits before it is halved, the sum after it is multiplied; hence the detour through 64 bits.
+constexpr unsigned memory_budget(unsigned long long page_file, unsigned long long physical) {
+    constexpr double kShare = 0.8;
+    constexpr unsigned kLeast = 4'096'000;
+    constexpr unsigned kMost = 16'384'000;
+    const auto paged =
+        static_cast<unsigned>(static_cast<unsigned long long>(kShare * static_cast<double>(page_file)));
+    const double sum = (paged / 2 + kShare * static_cast<double>(physical)) * 4;
+    const auto budget = static_cast<unsigned>(static_cast<unsigned long long>(sum));
+    return budget < kLeast ? kLeast : budget > kMost ? kMost : budget;
+}
+static_assert(memory_budget(0, 0) == 4'096'000);
+static_assert(memory_budget(2'000'000, 1'000'000) == 6'400'000);
+static_assert(memory_budget(16ull << 30, 8ull << 30) == 16'384'000);
+static_assert(memory_budget(0, (1ull << 32) / 16 * 5) == 4'096'000, "the sum wraps to 0");
+
+// Switches a heap to the low-fragmentation mode; a refusal does no harm.
+void use_low_fragmentation(HANDLE heap) noexcept;
+
+class HeapManager {
+public:
+    HeapManager();  // throws CXMemException
+    ~HeapManager(); // destroys every heap that is still there
+    HeapManager(const HeapManager&) = delete;
+    HeapManager& operator=(const HeapManager&) = delete;
+
+    CHeap& default_heap() noexcept { return *default_heaps_[0]; }
+    CHeap* next_default_heap() noexcept; // round robin
+
+    // Held for creating, allocating, resizing and destroying. Outside the live count of the critical
+    // sections.
+    NativeLock& lock() noexcept { return lock_; }
+
+    // With the lock held.
+    void link(CHeap& heap) noexcept;
+    void unlink(CHeap& heap) noexcept;
+    Activity& activity() noexcept { return activity_; }
+
+    // Asks the system, and after each refusal the sink whether to ask again. With the lock held.
+    // Null when there is no sink or it gives up.
+    template <class Request>
+    void* obtain(Request request) {
+        void* found = request();
+        if (found == nullptr) [[unlikely]] {
+            for (unsigned attempt = 0; found == nullptr && ask_sink(attempt); ++attempt)
+                found = request();
+        }
+        return found;
+    }
+
+    void install_sink(ILowMemoryNotifySink* sink); // throws CXException when one is installed
+    unsigned budget() const noexcept { return budget_; }
+
+private:
+    bool ask_sink(unsigned attempt);
+
+    static constexpr unsigned kDefaultHeaps = 1;
+
+    CHeap* default_heaps_[kDefaultHeaps] = {};
+    unsigned next_default_ = 0;
+    QZ_LISTITEM* first_ = nullptr;
+    unsigned count_ = 0;
+    NativeLock lock_;
+    unsigned budget_ = 0;
+    ILowMemoryNotifySink* sink_ = nullptr;
+    Activity activity_;
+};
+
+} // namespace qzr

@@ -1,0 +1,42 @@
+#include "core/library.h"
+
+#include <memory>
+
+namespace qzr {
+
+namespace {
+
+// The module that holds a given piece of code: the system names it by where its image begins.
+HINSTANCE module_around(const void* code) {
+    MEMORY_BASIC_INFORMATION region = {};
+    VirtualQuery(code, &region, sizeof region);
+    return static_cast<HINSTANCE>(region.AllocationBase);
+}
+
+constinit bool running = false;
+
+} // namespace
+
+namespace detail {
+alignas(Library) constinit std::byte library_storage[sizeof(Library)] = {};
+}
+
+Library::Library() : module(module_around(reinterpret_cast<const void*>(&start_library))) {}
+
+bool start_library() noexcept {
+    try {
+        new (detail::library_storage) Library;
+        running = true;
+    } catch (...) {
+        // The loader takes false for an answer; an exception would end the process.
+    }
+    return running;
+}
+
+void stop_library() noexcept {
+    if (!running) return;
+    running = false;
+    std::destroy_at(&library());
+}
+
+} // namespace qzr

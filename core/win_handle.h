@@ -1,0 +1,50 @@
+// An owner for one resource of the system.
+#pragma once
+
+#include "core/last_error_keeper.h"
+
+#include <utility>
+
+namespace qzr {
+
+// Traits name the handle's type, its invalid value, and how it is closed. Closing keeps the thread's last
+// error, so that a failure can still be reported after its resources are gone.
+template <class Traits>
+class WinHandle {
+public:
+    using Handle = typename Traits::Handle;
+
+    WinHandle() noexcept : handle_(Traits::kInvalid) {}
+    explicit WinHandle(Handle handle) noexcept : handle_(handle) {}
+    WinHandle(WinHandle&& other) noexcept : handle_(other.release()) {}
+    WinHandle& operator=(WinHandle&& other) noexcept {
+        reset(other.release());
+        return *this;
+    }
+    ~WinHandle() { reset(); }
+
+    Handle get() const noexcept { return handle_; }
+    explicit operator bool() const noexcept { return handle_ != Traits::kInvalid; }
+
+    // Gives the handle away; whoever takes it closes it.
+    Handle release() noexcept { return std::exchange(handle_, Traits::kInvalid); }
+
+    void reset(Handle handle = Traits::kInvalid) noexcept {
+        const Handle old = std::exchange(handle_, handle);
+        if (old == Traits::kInvalid) return;
+        const LastErrorKeeper keeper;
+        Traits::close(old);
+    }
+
+private:
+    Handle handle_;
+};
+
+struct HeapTraits {
+    using Handle = HANDLE;
+    static constexpr Handle kInvalid = nullptr;
+    static void close(Handle heap) noexcept { HeapDestroy(heap); }
+};
+using HeapHandle = WinHandle<HeapTraits>;
+
+} // namespace qzr

@@ -1,0 +1,253 @@
+// Heaps: what blocks look like, how they are moved, what is counted, and what happens when memory runs out.
+#include "qzexception.h"
+#include "qzheap.h"
+#include "qzref.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr unsigned long long kRefused = 1ull << 40; // more than any heap here is given
+
+CQZRef<IHeap> make_heap() { return CQZRef<IHeap>::Adopt(new_MemoryHeap(0)); }
+
+unsigned long long requested_bytes() {
+    unsigned long long bytes = 0;
+    Get_CoreActivity(&bytes, nullptr);
+    return bytes;
+}
+
+unsigned operations() {
+    unsigned count = 0;
+    Get_CoreActivity(nullptr, &count);
+    return count;
+}
+
+TEST(Heap, AllocGivesZeroedDistinctBlocks) {
+    const auto heap = make_heap();
+    std::vector<char*> blocks;
+    for (const unsigned size : {0u, 0u, 1u, 7u, 8u, 100u, 4096u, 1u << 20}) {
+        SCOPED_TRACE(size);
+        auto* const block = static_cast<char*>(heap->Alloc(size));
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % 8, 0u);
+        EXPECT_EQ(heap->GetSize(block), static_cast<int>(size));
+        for (unsigned i = 0; i < size; ++i)
+            ASSERT_EQ(block[i], 0) << "byte " << i;
+        std::memset(block, 0xCC, size);
+        for (const char* other : blocks)
+            EXPECT_NE(block, other);
+        blocks.push_back(block);
+    }
+    for (char* block : blocks)
+        EXPECT_NE(heap->Free(block), 0);
+    EXPECT_EQ(heap->GetOverhead(), 8);
+}
+
+TEST(Heap, FreedMemoryComesBackZeroed) {
+    const auto heap = make_heap();
+    for (int round = 0; round < 100; ++round) {
+        auto* const block = static_cast<unsigned char*>(heap->Alloc(64));
+        for (int i = 0; i < 64; ++i)
+            ASSERT_EQ(block[i], 0) << "round " << round;
+        std::memset(block, 0xFF, 64);
+        heap->Free(block);
+    }
+}
+
+struct ReallocRow {
+    unsigned old_size, new_size, kept;
+};
+
+// The copy is shorter than one expects when a block shrinks or grows by less than a header.
+TEST(Heap, ReallocZeroesTheLastBytes) {
+    const auto heap = make_heap();
+    for (const ReallocRow& row : {ReallocRow{100, 50, 42},
+                                  {100, 100, 92},
+                                  {100, 104, 96},
+                                  {100, 107, 99},
+                                  {100, 108, 100},
+                                  {100, 200, 100},
+                                  {0, 16, 0},
+                                  {16, 0, 0},
+                                  {16, 7, 0},
+                                  {16, 8, 0},
+                                  {16, 9, 1},
+                                  {1, 1, 0}}) {
+        SCOPED_TRACE(testing::Message() << row.old_size << " to " << row.new_size);
+        auto* const old_block = static_cast<unsigned char*>(heap->Alloc(row.old_size));
+        std::memset(old_block, 0x5A, row.old_size);
+        auto* const block = static_cast<unsigned char*>(heap->Realloc(old_block, row.new_size));
+        EXPECT_NE(block, old_block);
+        EXPECT_EQ(heap->GetSize(block), static_cast<int>(row.new_size));
+        for (unsigned i = 0; i < row.new_size; ++i)
+            ASSERT_EQ(block[i], i < row.kept ? 0x5A : 0) << "byte " << i;
+        heap->Free(block);
+    }
+}
+
+TEST(Heap, AnyHeapServesTheBlocksOfAnyOther) {
+    const auto maker = make_heap();
+    const auto other = make_heap();
+    void* block = maker->Alloc(24);
+    EXPECT_EQ(other->GetSize(block), 24);
+    block = other->Realloc(block, 48);
+    void* owner = nullptr;
+    std::memcpy(&owner, static_cast<char*>(block) - 8, sizeof owner);
+    EXPECT_EQ(owner, static_cast<void*>(maker.Get())) << "the block stays in the heap that made it";
+    EXPECT_NE(other->Free(block), 0);
+}
+
+TEST(Heap, ImpossibleSizesAreExhaustion) {
+    const auto heap = make_heap();
+    void* const block = heap->Alloc(16);
+    std::memset(block, 1, 16);
+    for (const unsigned long long size : {kRefused, ~0ull, ~0ull - 7, ~0ull - 8}) {
+        SCOPED_TRACE(size);
+        const unsigned long long before = requested_bytes();
+        EXPECT_THROW(heap->Alloc(size), CXMemException);
+        EXPECT_THROW(heap->Realloc(block, size), CXMemException);
+        EXPECT_EQ(requested_bytes(), before);
+    }
+    EXPECT_EQ(static_cast<char*>(block)[15], 1) << "the old block is untouched";
+    std::thread([&] { heap->Free(heap->Alloc(1)); }).join(); // the lock was given back
+    heap->Free(block);
+}
+
+TEST(Heap, ReleaseCountsButNotOnTheDefaultHeap) {
+    IHeap* const heap = new_MemoryHeap(0);
+    EXPECT_EQ(heap->AddRef(), 2u);
+    EXPECT_EQ(heap->Release(), 1u);
+    heap->Alloc(10); // goes with the heap
+    EXPECT_EQ(heap->Release(), 0u);
+
+    IHeap* const permanent = Mem_DefaultHeap(0);
+    EXPECT_EQ(permanent, Mem_DefaultHeap(12345));
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(permanent->Release(), 1u);
+    EXPECT_EQ(permanent->AddRef(), 1u);
+    permanent->Free(permanent->Alloc(10));
+}
+
+TEST(Heap, ActivityCountsBytesWithHeadersAndOperations) {
+    const auto heap = make_heap();
+    struct Step {
+        const char* what;
+        unsigned long long bytes;
+        unsigned operations;
+    };
+    unsigned long long bytes = requested_bytes();
+    unsigned ops = operations();
+    const auto expect = [&](const Step& step) {
+        SCOPED_TRACE(step.what);
+        EXPECT_EQ(requested_bytes() - bytes, step.bytes);
+        EXPECT_EQ(operations() - ops, step.operations);
+        bytes = requested_bytes();
+        ops = operations();
+    };
+    void* block = heap->Alloc(10);
+    expect({"Alloc", 18, 1});
+    block = heap->Realloc(block, 100);
+    expect({"Realloc", 108, 2});
+    heap->GetSize(block);
+    expect({"GetSize", 0, 0});
+    heap->Free(block);
+    expect({"Free", 0, 1});
+    new_MemoryHeap(12345)->Release();
+    expect({"a heap with a hint", 12345, 1});
+    Mem_DefaultHeap(0);
+    expect({"Mem_DefaultHeap", 0, 0});
+}
+
+TEST(Heap, ServesManyThreadsAtOnce) {
+    const auto heap = make_heap();
+    constexpr int kThreads = 8;
+    constexpr int kRounds = 2000;
+    const unsigned before = operations();
+    std::vector<std::thread> threads;
+    std::vector<int> damaged(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            std::vector<unsigned char*> held;
+            for (int i = 0; i < kRounds; ++i) {
+                const unsigned size = 16 + static_cast<unsigned>(i * 7 + t) % 200;
+                auto* block = static_cast<unsigned char*>(heap->Alloc(size));
+                std::memset(block, t + 1, size);
+                if (i % 3 == 0) block = static_cast<unsigned char*>(heap->Realloc(block, size + 64));
+                held.push_back(block);
+                if (held.size() < 16) continue;
+                damaged[static_cast<std::size_t>(t)] += held.front()[0] != t + 1;
+                heap->Free(held.front());
+                held.erase(held.begin());
+            }
+            for (unsigned char* block : held)
+                heap->Free(block);
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(damaged, std::vector<int>(kThreads));
+    const unsigned reallocs = (kRounds + 2) / 3;
+    EXPECT_EQ(operations() - before, kThreads * (2 * kRounds + 2 * reallocs));
+}
+
+// Installed once for the life of the process; each test tells it what to do.
+class LowMemorySink : public ILowMemoryNotifySink {
+public:
+    static LowMemorySink& installed() {
+        static LowMemorySink sink;
+        static const bool once = (Mem_SetLowMemoryNotifySink(&sink), true);
+        EXPECT_TRUE(once);
+        return sink;
+    }
+
+    int OnLowMemory(unsigned attempt) override {
+        if (throws) throw 42;
+        attempts.push_back(attempt);
+        return attempts.size() <= retries ? 1 : 0;
+    }
+
+    std::vector<unsigned> attempts;
+    unsigned retries = 0;
+    bool throws = false;
+};
+
+TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
+    const auto heap = make_heap();
+    LowMemorySink& sink = LowMemorySink::installed();
+    sink.retries = 2;
+    for (const unsigned long long size : {kRefused, ~0ull}) {
+        SCOPED_TRACE(size);
+        sink.attempts.clear();
+        EXPECT_THROW(heap->Alloc(size), CXMemException);
+        EXPECT_EQ(sink.attempts, (std::vector<unsigned>{0, 1, 2}));
+    }
+}
+
+TEST(LowMemory, SecondSinkIsRefused) {
+    LowMemorySink& sink = LowMemorySink::installed();
+    for (ILowMemoryNotifySink* second :
+         {static_cast<ILowMemoryNotifySink*>(&sink), static_cast<ILowMemoryNotifySink*>(nullptr)}) {
+        try {
+            Mem_SetLowMemoryNotifySink(second);
+            ADD_FAILURE() << "a second sink was taken";
+        } catch (const CXException& e) {
+            EXPECT_EQ(e.GetCode(), 10u);
+        }
+    }
+}
+
+TEST(LowMemory, SinkThatThrowsLeavesTheLockFree) {
+    LowMemorySink& sink = LowMemorySink::installed();
+    sink.throws = true;
+    EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(kRefused), int);
+    sink.throws = false;
+    std::thread([] { Mem_DefaultHeap(0)->Free(Mem_DefaultHeap(0)->Alloc(1)); }).join();
+}
+
+} // namespace
