@@ -1,0 +1,34 @@
+#include "param/tree_walk.h"
+
+#include <utility>
+
+namespace qzr {
+
+namespace {
+
+NameEnum require(CTEnum<const char*>* names) {
+    if (names == nullptr) throw CXIFaceException(typeid(CTEnum<const char*>));
+    return NameEnum::Adopt(names);
+}
+
+} // namespace
+
+NameEnum enum_values(IParam& node) { return require(node.EnumValues()); }
+
+NameEnum enum_children(IParam& node) { return require(node.EnumSubParams()); }
+
+const char* next_name(const NameEnum& names) {
+    const char* name = nullptr;
+    if (names->Next(1, &name, nullptr) == 0) return nullptr;
+    return name != nullptr ? name : "";
+}
+
+WalkLevel::WalkLevel(CQZRef<IParam> at) : node(std::move(at)), children(enum_children(*node)) {}
+
+const char* WalkLevel::next_child(CQZRef<IParam>& child) {
+    const char* const name = next_name(children);
+    child = CQZRef<IParam>::Adopt(name != nullptr ? node->OpenSubParam(name, 0) : nullptr);
+    return name;
+}
+
+} // namespace qzr
