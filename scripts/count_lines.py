@@ -18,8 +18,10 @@ def main(build, missed_path):
             run = subprocess.run(["x86_64-w64-mingw32-gcov-posix", "--json-format", "--stdout",
                                   os.path.join(folder, name)], capture_output=True, text=True, check=True)
             for document in run.stdout.splitlines():
-                for file in json.loads(document)["files"]:
-                    path = os.path.relpath(os.path.join(root, file["file"]), root).replace("\\", "/")
+                unit = json.loads(document)
+                for file in unit["files"]:
+                    path = os.path.join(unit["current_working_directory"], file["file"])
+                    path = os.path.relpath(path, root).replace("\\", "/")
                     if path.split("/")[0] not in FOLDERS:
                         continue
                     lines = counts.setdefault(path, {})
