@@ -1,0 +1,207 @@
+#include "string/number_text.h"
+
+#include "core/allocator.h"
+#include "string/scan.h"
+
+#include <atomic>
+#include <charconv>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <system_error>
+
+namespace qzr {
+namespace {
+
+constexpr int kDigits = 14;
+constexpr int kRuntimeTextSize = 64; // more than _gcvt ever writes for 14 digits
+
+int finish(char* begin, char* end) {
+    *end = 0;
+    return static_cast<int>(end - begin);
+}
+
+int copy_text(char* out, const char* text) {
+    const std::size_t length = text_length(text);
+    std::memcpy(out, text, length + 1);
+    return static_cast<int>(length);
+}
+
+// --- reals to text
+
+int special_text(char* out, double value) {
+    if (std::isinf(value)) return copy_text(out, value < 0 ? "-1.#INF" : "1.#INF");
+    // The runtime tells the quiet not-a-number that failed operations give from the others by its sign.
+    return copy_text(out, std::signbit(value) ? "-1.#IND" : "1.#QNAN");
+}
+
+// Exponents have three digits: e+08 becomes e+008.
+char* widen_exponent(char* begin, char* end) {
+    char* const digits = end - 2;
+    if (end - begin < 4 || (digits[-1] != '+' && digits[-1] != '-')) return end;
+    digits[2] = digits[1];
+    digits[1] = digits[0];
+    digits[0] = '0';
+    return end + 1;
+}
+
+int shortest_general(char* out, double value) {
+    if (!std::isfinite(value)) return special_text(out, value);
+    const std::to_chars_result result =
+        std::to_chars(out, out + kRealTextSize - 1, value, std::chars_format::general, kDigits);
+    return finish(out, widen_exponent(out, result.ptr));
+}
+
+int runtime_general(char* out, double value) {
+    char text[kRuntimeTextSize];
+    _gcvt(value, kDigits, text);
+    const char local_point = *std::localeconv()->decimal_point;
+    if (local_point != '.')
+        if (char* const point = std::strchr(text, local_point)) *point = '.';
+    text[kRealTextSize - 1] = 0;
+    return copy_text(out, text);
+}
+
+enum RuntimeHabit { kNotAsked, kGeneral, kItsOwn };
+
+// Runtimes differ in the shape of some numbers. Where the present one does what the fast way does, that is
+// used.
+bool runtime_prints_general() {
+    for (const double probe : {3.0, 0.0, -2.5, 1e14, 0.001, 1e-5, 0.00012345}) {
+        char ours[kRealTextSize];
+        char theirs[kRealTextSize];
+        shortest_general(ours, probe);
+        runtime_general(theirs, probe);
+        if (std::strcmp(ours, theirs) != 0) return false;
+    }
+    return true;
+}
+
+// --- text to reals
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+// The parts of a number's text; digits are those of the mantissa.
+struct RealText {
+    bool negative = false;
+    const char* begin = nullptr; // first digit or point
+    const char* mantissa_end = nullptr;
+    const char* exponent = nullptr; // its letter, or null
+    const char* end = nullptr;
+    bool has_digits = false;
+};
+
+const char* skip_digits(const char* p) {
+    while (is_digit(*p))
+        ++p;
+    return p;
+}
+
+RealText split(const char* p) {
+    RealText real;
+    while (is_space(*p))
+        ++p;
+    real.negative = *p == '-';
+    if (*p == '-' || *p == '+') ++p;
+    real.begin = p;
+    p = skip_digits(p);
+    std::size_t digits = static_cast<std::size_t>(p - real.begin);
+    if (*p == '.') {
+        const char* const fraction = ++p;
+        p = skip_digits(p);
+        digits += static_cast<std::size_t>(p - fraction);
+    }
+    real.has_digits = digits != 0;
+    real.mantissa_end = real.end = p;
+    if (*p == 'e' || *p == 'E' || *p == 'd' || *p == 'D') {
+        const char* const sign = p + 1;
+        const char* const first = *sign == '-' || *sign == '+' ? sign + 1 : sign;
+        if (is_digit(*first)) {
+            real.exponent = p;
+            real.end = skip_digits(first);
+        }
+    }
+    return real;
+}
+
+// Whether a number that does not fit is too large, rather than too small.
+bool is_huge(const RealText& real) {
+    const char* const point = static_cast<const char*>(
+        std::memchr(real.begin, '.', static_cast<std::size_t>(real.mantissa_end - real.begin)));
+    const char* const whole_end = point != nullptr ? point : real.mantissa_end;
+    const char* first = real.begin;
+    while (first != real.mantissa_end && (*first == '0' || *first == '.'))
+        ++first;
+    long long magnitude = first < whole_end ? whole_end - first : whole_end + 1 - first;
+    if (real.exponent != nullptr) {
+        constexpr long long kBeyondAnyText = 1LL << 40;
+        const bool negative = real.exponent[1] == '-';
+        long long exponent = 0;
+        for (const char* p = real.exponent + 1; p != real.end; ++p)
+            if (is_digit(*p) && exponent < kBeyondAnyText) exponent = exponent * 10 + (*p - '0');
+        magnitude += negative ? -exponent : exponent;
+    }
+    return magnitude > 0;
+}
+
+double parse(const RealText& real, const char* begin, const char* end) {
+    double value = 0;
+    if (std::from_chars(begin, end, value).ec == std::errc::result_out_of_range)
+        value = is_huge(real) ? std::numeric_limits<double>::infinity() : 0.0;
+    return value;
+}
+
+// The exponent letter d means the same as e, which is the only one that the parser knows.
+double parse_with_d(const RealText& real) {
+    Vector<char> text(real.begin, real.end);
+    text[static_cast<std::size_t>(real.exponent - real.begin)] = 'e';
+    return parse(real, text.data(), text.data() + text.size());
+}
+
+} // namespace
+
+int format_int(char* out, int value) noexcept {
+    return finish(out, std::to_chars(out, out + kIntegerTextSize - 1, value).ptr);
+}
+
+int format_uint(char* out, unsigned value) noexcept {
+    return finish(out, std::to_chars(out, out + kIntegerTextSize - 1, value).ptr);
+}
+
+int real_to_text14(char* out, double value) noexcept {
+    constinit static std::atomic<int> habit{kNotAsked};
+    int known = habit.load(std::memory_order_relaxed);
+    if (known == kNotAsked) {
+        known = runtime_prints_general() ? kGeneral : kItsOwn;
+        habit.store(known, std::memory_order_relaxed);
+    }
+    return known == kGeneral ? shortest_general(out, value) : runtime_general(out, value);
+}
+
+int text_to_int(const char* text, const char** end, int base) noexcept {
+    char* behind = nullptr;
+    const long value = std::strtol(text, &behind, base);
+    if (end != nullptr) *end = behind;
+    return value;
+}
+
+unsigned text_to_uint(const char* text, const char** end, int base) noexcept {
+    char* behind = nullptr;
+    const unsigned long value = std::strtoul(text, &behind, base);
+    if (end != nullptr) *end = behind;
+    return value;
+}
+
+double text_to_real(const char* text, const char** end) {
+    const RealText real = split(text);
+    if (end != nullptr) *end = real.has_digits ? real.end : text;
+    if (!real.has_digits) return 0;
+    const bool has_d = real.exponent != nullptr && (*real.exponent == 'd' || *real.exponent == 'D');
+    const double value = has_d ? parse_with_d(real) : parse(real, real.begin, real.end);
+    return real.negative ? -value : value;
+}
+
+} // namespace qzr

@@ -1,0 +1,46 @@
+#include "string/resource_text.h"
+
+#include "core/windows_lean.h"
+#include "string/string_access.h"
+
+namespace qzr {
+
+int load_string(void* module, unsigned id, char* buffer, int size) {
+    return LoadStringA(static_cast<HINSTANCE>(module), id, buffer, size);
+}
+
+int load_string(void* module, unsigned id, wchar_t* buffer, int size) {
+    return LoadStringW(static_cast<HINSTANCE>(module), id, buffer, size);
+}
+
+namespace {
+
+constexpr int kFirstCapacity = 255;
+constexpr int kCapacityStep = 256;
+constexpr int kLastCapacity = 65535 + kCapacityStep; // resource texts have 16-bit lengths
+
+// The last unit of the room is never offered, so that the text ends even when a loader forgets the
+// terminator.
+template <class String>
+int load(String& s, void* module, unsigned id) {
+    int previous = -1;
+    for (int capacity = kFirstCapacity; capacity <= kLastCapacity; capacity += kCapacityStep) {
+        auto* const buffer = s.GetBuffer(capacity + 1);
+        std::memset(buffer, 0, (static_cast<std::size_t>(capacity) + 2) * sizeof *buffer);
+        const int loaded = load_string(module, id, buffer, capacity + 1);
+        if (loaded <= 0) *buffer = 0;
+        s.ReleaseBuffer();
+        if (loaded <= 0) return 0;
+        // A loader that is asked for more and answers the same has given all it has.
+        if (loaded < capacity || loaded == previous) return 1;
+        previous = loaded;
+    }
+    return 1;
+}
+
+} // namespace
+} // namespace qzr
+
+int CXString::Load(void* hInstance, unsigned id) { return qzr::load(*this, hInstance, id); }
+
+int CXStringW::Load(void* hInstance, unsigned id) { return qzr::load(*this, hInstance, id); }

@@ -1,0 +1,39 @@
+// Scanning text in blocks of 16 bytes. Lengths and ends are in units; a block is read only when it lies
+// within the given bounds or, for a text without a known end, within the aligned block of a byte known to
+// exist.
+#pragma once
+
+#include <cstddef>
+
+namespace qzr {
+
+// Units before the terminating zero.
+std::size_t text_length(const char* text) noexcept;
+std::size_t text_length(const wchar_t* text) noexcept;
+
+// As above, looking at `limit` units at most.
+std::size_t text_length(const char* text, std::size_t limit) noexcept;
+std::size_t text_length(const wchar_t* text, std::size_t limit) noexcept;
+
+// The first occurrence in [begin, end), or null.
+const char* find_byte(const char* begin, const char* end, char c) noexcept;
+const wchar_t* find_unit(const wchar_t* begin, const wchar_t* end, wchar_t c) noexcept;
+
+// The last occurrence in [begin, end), or null.
+const char* find_last_byte(const char* begin, const char* end, char c) noexcept;
+const wchar_t* find_last_unit(const wchar_t* begin, const wchar_t* end, wchar_t c) noexcept;
+
+// The first occurrence of n units of text, compared as they are, or null. n = 0 is found at begin.
+const char* find_text(const char* begin, const char* end, const char* text, std::size_t n) noexcept;
+const wchar_t* find_text(const wchar_t* begin, const wchar_t* end, const wchar_t* text,
+                         std::size_t n) noexcept;
+
+// The first unit at or above 0x80, or end.
+const char* skip_ascii(const char* begin, const char* end) noexcept;
+const wchar_t* skip_ascii(const wchar_t* begin, const wchar_t* end) noexcept;
+
+// Units that a and b have in common at their start, of n at most.
+std::size_t common_prefix(const char* a, const char* b, std::size_t n) noexcept;
+std::size_t common_prefix(const wchar_t* a, const wchar_t* b, std::size_t n) noexcept;
+
+} // namespace qzr
