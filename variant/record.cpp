@@ -1,0 +1,23 @@
+#include "variant/record.h"
+
+using namespace qzr;
+
+void QZVariantInit(tagQZVARIANT* v) { set_empty(*v); }
+
+void QZVariantClear(tagQZVARIANT* v) { replace_value(*v, empty_record()); }
+
+void QZVariantCopy(tagQZVARIANT* dst, const tagQZVARIANT* src) {
+    // Kept as callers know it: the target is cleared first, so a record copied onto itself ends up empty.
+    if (dst == src) {
+        QZVariantClear(dst);
+        return;
+    }
+    tagQZVARIANT fresh;
+    try {
+        fresh = duplicate_of(*src);
+    } catch (...) {
+        QZVariantClear(dst);
+        throw;
+    }
+    replace_value(*dst, fresh);
+}
