@@ -12,6 +12,10 @@ void QZVariantCopy(tagQZVARIANT* dst, const tagQZVARIANT* src) {
         QZVariantClear(dst);
         return;
     }
+    if (!owns_something(*src)) {
+        replace_value(*dst, *src);
+        return;
+    }
     tagQZVARIANT fresh;
     try {
         fresh = duplicate_of(*src);

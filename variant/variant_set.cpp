@@ -8,20 +8,23 @@ using namespace qzr;
 
 namespace {
 
-// A new record of one value, its other bytes zero.
+// Writes a record of one value over what is there, which is not released. Its other bytes are zero.
 template <class T>
-tagQZVARIANT record_of(unsigned short vt, T tagQZVARIANT::*member, T value) {
-    tagQZVARIANT v = empty_record();
+void fill(tagQZVARIANT& v, unsigned short vt, T tagQZVARIANT::*member, T value) {
+    set_empty(v);
     v.vt = vt;
     v.*member = value;
-    return v;
 }
 
 // An integer of its natural type, or a boolean when the caller asks for one.
 template <class T>
-tagQZVARIANT integer_record(unsigned short wanted, unsigned short natural, T tagQZVARIANT::*member, T value) {
-    if (wanted == QZVT_BOOL) return record_of(QZVT_BOOL, &tagQZVARIANT::boolVal, value != 0 ? 1 : 0);
-    return record_of(natural, member, value);
+void fill_integer(tagQZVARIANT& v, unsigned short wanted, unsigned short natural, T tagQZVARIANT::*member,
+                  T value) {
+    if (wanted == QZVT_BOOL) {
+        fill(v, QZVT_BOOL, &tagQZVARIANT::boolVal, value != 0 ? 1 : 0);
+    } else {
+        fill(v, natural, member, value);
+    }
 }
 
 // The value comes by copy: it may be part of the variant that it is assigned to.
@@ -29,8 +32,12 @@ template <class T>
 CQZVariant& set_value(CQZVariant& v, unsigned short vt, T tagQZVARIANT::*member, T value) {
     if (v.vt == vt) {
         v.*member = value;
+    } else if (!owns_something(v)) {
+        fill(v, vt, member, value);
     } else {
-        replace_value(v, record_of(vt, member, value));
+        const tagQZVARIANT old = v;
+        fill(v, vt, member, value);
+        release_value(old);
     }
     return v;
 }
@@ -39,6 +46,13 @@ template <class T>
 CQZVariant& set_integer(CQZVariant& v, unsigned short vt, T tagQZVARIANT::*member, T value) {
     if (v.vt != QZVT_BOOL) return set_value(v, vt, member, value);
     v.boolVal = value != 0 ? 1 : 0;
+    return v;
+}
+
+template <class T>
+tagQZVARIANT record_of(unsigned short vt, T tagQZVARIANT::*member, T value) {
+    tagQZVARIANT v;
+    fill(v, vt, member, value);
     return v;
 }
 
@@ -66,7 +80,7 @@ CQZVariant& replaced(CQZVariant& v, const tagQZVARIANT& fresh) {
 
 } // namespace
 
-CQZVariant::CQZVariant() : tagQZVARIANT(empty_record()) {}
+CQZVariant::CQZVariant() { set_empty(*this); }
 
 CQZVariant::CQZVariant(const tagQZVARIANT& source) : tagQZVARIANT(duplicate_of(source)) {}
 CQZVariant::CQZVariant(const tagQZVARIANT* source) : tagQZVARIANT(duplicate_of(*source)) {}
@@ -74,40 +88,39 @@ CQZVariant::CQZVariant(const CQZVariant& source) : tagQZVARIANT(duplicate_of(sou
 
 CQZVariant::CQZVariant(const tagQZBLOB& value) : tagQZVARIANT(blob_record(value)) {}
 
-CQZVariant::CQZVariant(const tagPOINT& value)
-    : tagQZVARIANT(record_of(QZVT_POINT, &tagQZVARIANT::pointVal, value)) {}
-CQZVariant::CQZVariant(const tagSIZE& value)
-    : tagQZVARIANT(record_of(QZVT_SIZE, &tagQZVARIANT::sizeVal, value)) {}
-CQZVariant::CQZVariant(const tagRECT& value)
-    : tagQZVARIANT(record_of(QZVT_RECT, &tagQZVARIANT::rectVal, value)) {}
-CQZVariant::CQZVariant(const tagRPOINT& value)
-    : tagQZVARIANT(record_of(QZVT_RPOINT, &tagQZVARIANT::rpointVal, value)) {}
-CQZVariant::CQZVariant(const tagRSIZE& value)
-    : tagQZVARIANT(record_of(QZVT_RSIZE, &tagQZVARIANT::rsizeVal, value)) {}
-CQZVariant::CQZVariant(const tagRRECT& value)
-    : tagQZVARIANT(record_of(QZVT_RRECT, &tagQZVARIANT::rrectVal, value)) {}
+CQZVariant::CQZVariant(const tagPOINT& value) { fill(*this, QZVT_POINT, &tagQZVARIANT::pointVal, value); }
+CQZVariant::CQZVariant(const tagSIZE& value) { fill(*this, QZVT_SIZE, &tagQZVARIANT::sizeVal, value); }
+CQZVariant::CQZVariant(const tagRECT& value) { fill(*this, QZVT_RECT, &tagQZVARIANT::rectVal, value); }
+CQZVariant::CQZVariant(const tagRPOINT& value) { fill(*this, QZVT_RPOINT, &tagQZVARIANT::rpointVal, value); }
+CQZVariant::CQZVariant(const tagRSIZE& value) { fill(*this, QZVT_RSIZE, &tagQZVARIANT::rsizeVal, value); }
+CQZVariant::CQZVariant(const tagRRECT& value) { fill(*this, QZVT_RRECT, &tagQZVARIANT::rrectVal, value); }
 
 CQZVariant::CQZVariant(const char* value) : tagQZVARIANT(text_record(value)) {}
 CQZVariant::CQZVariant(const CXString& value) : tagQZVARIANT(text_record(value.GetData())) {}
 CQZVariant::CQZVariant(const wchar_t* value) : tagQZVARIANT(text_record(value)) {}
 CQZVariant::CQZVariant(const CXStringW& value) : tagQZVARIANT(text_record(value.GetData())) {}
 
-CQZVariant::CQZVariant(unsigned char value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_UCHAR, &tagQZVARIANT::ucharVal, value)) {}
-CQZVariant::CQZVariant(unsigned short value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_USHORT, &tagQZVARIANT::ushortVal, value)) {}
-CQZVariant::CQZVariant(int value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_INT, &tagQZVARIANT::intVal, value)) {}
-CQZVariant::CQZVariant(unsigned int value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_UINT, &tagQZVARIANT::uintVal, value)) {}
-CQZVariant::CQZVariant(long value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_LONG, &tagQZVARIANT::longVal, value)) {}
-CQZVariant::CQZVariant(unsigned long value, unsigned short wanted)
-    : tagQZVARIANT(integer_record(wanted, QZVT_ULONG, &tagQZVARIANT::ulongVal, value)) {}
+CQZVariant::CQZVariant(unsigned char value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_UCHAR, &tagQZVARIANT::ucharVal, value);
+}
+CQZVariant::CQZVariant(unsigned short value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_USHORT, &tagQZVARIANT::ushortVal, value);
+}
+CQZVariant::CQZVariant(int value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_INT, &tagQZVARIANT::intVal, value);
+}
+CQZVariant::CQZVariant(unsigned int value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_UINT, &tagQZVARIANT::uintVal, value);
+}
+CQZVariant::CQZVariant(long value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_LONG, &tagQZVARIANT::longVal, value);
+}
+CQZVariant::CQZVariant(unsigned long value, unsigned short wanted) {
+    fill_integer(*this, wanted, QZVT_ULONG, &tagQZVARIANT::ulongVal, value);
+}
 
-CQZVariant::CQZVariant(float value) : tagQZVARIANT(record_of(QZVT_FLOAT, &tagQZVARIANT::floatVal, value)) {}
-CQZVariant::CQZVariant(double value)
-    : tagQZVARIANT(record_of(QZVT_DOUBLE, &tagQZVARIANT::doubleVal, value)) {}
+CQZVariant::CQZVariant(float value) { fill(*this, QZVT_FLOAT, &tagQZVARIANT::floatVal, value); }
+CQZVariant::CQZVariant(double value) { fill(*this, QZVT_DOUBLE, &tagQZVARIANT::doubleVal, value); }
 
 CQZVariant::CQZVariant(IQZUnknown* value) : tagQZVARIANT(object_record(value)) {}
 
