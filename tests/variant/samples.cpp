@@ -1,6 +1,8 @@
 #include "variant/samples.h"
 
+#include <charconv>
 #include <cstdio>
+#include <initializer_list>
 #include <iterator>
 
 std::vector<CQZVariant> one_of_each(CountingObject& object) {
@@ -36,6 +38,18 @@ template <class... Arguments>
 std::string print(const char* format, Arguments... arguments) {
     char text[160];
     std::snprintf(text, sizeof text, format, arguments...);
+    return text;
+}
+
+// With a point in every locale.
+std::string show_reals(std::initializer_list<double> reals) {
+    std::string text;
+    for (const double real : reals) {
+        char digits[40];
+        const auto end =
+            std::to_chars(digits, digits + sizeof digits, real, std::chars_format::general, 10).ptr;
+        text.append(text.empty() ? 0 : 1, ',').append(digits, end);
+    }
     return text;
 }
 
@@ -75,26 +89,26 @@ std::string show(const tagQZVARIANT& v) {
     case QZVT_LONG:
         return print("%ld", v.longVal);
     case QZVT_DOUBLE:
-        return print("%.10g", v.doubleVal);
+        return show_reals({v.doubleVal});
     case QZVT_FLOAT:
-        return print("%.10g", static_cast<double>(v.floatVal));
+        return show_reals({static_cast<double>(v.floatVal)});
     case QZVT_TEXT:
         return v.pszVal != nullptr ? '"' + std::string(v.pszVal) + '"' : "null";
     case QZVT_SIZE:
         return print("%ld,%ld", v.sizeVal.cx, v.sizeVal.cy);
     case QZVT_RSIZE:
-        return print("%.10g,%.10g", v.rsizeVal.cx, v.rsizeVal.cy);
+        return show_reals({v.rsizeVal.cx, v.rsizeVal.cy});
     case QZVT_POINT:
         return print("%ld,%ld", v.pointVal.x, v.pointVal.y);
     case QZVT_RPOINT:
-        return print("%.10g,%.10g", v.rpointVal.x, v.rpointVal.y);
+        return show_reals({v.rpointVal.x, v.rpointVal.y});
     case QZVT_RECT: {
         const tagRECT& r = v.rectVal;
         return print("%ld,%ld,%ld,%ld", r.left, r.top, r.right, r.bottom);
     }
     case QZVT_RRECT: {
         const tagRRECT& r = v.rrectVal;
-        return print("%.10g,%.10g,%.10g,%.10g", r.left, r.top, r.right, r.bottom);
+        return show_reals({r.left, r.top, r.right, r.bottom});
     }
     case QZVT_BLOB:
         return show_blob(v.blobVal);
