@@ -15,6 +15,7 @@
 #pragma once
 
 #include "core/block_cache.h"
+#include "core/global_mutex.h"
 #include "core/heap_manager.h"
 #include "core/windows_lean.h"
 
@@ -28,6 +29,7 @@ struct Library {
     HINSTANCE module;  // the library's own
     HeapManager heaps; // everything below may own heap blocks
     BlockCache blocks;
+    GlobalMutex global_mutex;
 };
 
 namespace detail {

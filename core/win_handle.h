@@ -47,4 +47,12 @@ struct HeapTraits {
 };
 using HeapHandle = WinHandle<HeapTraits>;
 
+// What CloseHandle closes and null stands for none: events, mutexes, threads, processes.
+struct KernelTraits {
+    using Handle = HANDLE;
+    static constexpr Handle kInvalid = nullptr;
+    static void close(Handle handle) noexcept { CloseHandle(handle); }
+};
+using KernelHandle = WinHandle<KernelTraits>;
+
 } // namespace qzr

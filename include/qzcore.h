@@ -12,5 +12,6 @@
 #include "qzstream.h"
 #include "qzstring.h"
 #include "qzsupp.h"
+#include "qzsync.h"
 #include "qzunknown.h"
 #include "qzvariant.h"
