@@ -70,7 +70,7 @@ bool wide_text_to_float(V& out, const V& src) { return scan_float(or_empty(src.p
 // 7 and "12" is no number. Callers rely on it. The copy ends in whole zero units.
 bool text_to_unsigned_by_wide_scanner(V& out, const V& src) {
     const char* text = or_empty(src.pszVal);
-    const std::size_t size = length_of(text) + 1;
+    const std::size_t size = text_length(text) + 1;
     Vector<wchar_t> units(size / sizeof(wchar_t) + 2);
     std::memcpy(units.data(), text, size);
     return scan_unsigned(units.data(), out.uintVal);

@@ -50,7 +50,10 @@ bool equal_float(const tagQZVARIANT& left, const tagQZVARIANT& right) {
 }
 
 bool equal_text(const tagQZVARIANT& left, const tagQZVARIANT& right) {
-    return std::strcmp(or_empty(left.pszVal), or_empty(right.pszVal)) == 0;
+    const char* a = or_empty(left.pszVal);
+    const char* b = or_empty(right.pszVal);
+    const std::size_t length = text_length(a);
+    return length == text_length(b) && common_prefix(a, b, length) == length;
 }
 
 // The length counts units but is used as a number of bytes: of texts of equal length only the first half
@@ -58,8 +61,8 @@ bool equal_text(const tagQZVARIANT& left, const tagQZVARIANT& right) {
 bool equal_wide_text(const tagQZVARIANT& left, const tagQZVARIANT& right) {
     const wchar_t* a = or_empty(left.pwszVal);
     const wchar_t* b = or_empty(right.pwszVal);
-    const std::size_t length = length_of(a);
-    return length == length_of(b) && std::memcmp(a, b, length) == 0;
+    const std::size_t length = text_length(a);
+    return length == text_length(b) && std::memcmp(a, b, length) == 0;
 }
 
 bool equal_size(const tagQZVARIANT& left, const tagQZVARIANT& right) {

@@ -1,21 +1,20 @@
 #include "variant/number_print.h"
 
+#include "string/format.h"
 #include "variant/decimal_point.h"
 
 #include <bit>
 #include <cstdint>
-#include <cstdio>
-#include <cwchar>
 
 namespace qzr {
 
 namespace {
 
-std::size_t runtime_print(char* out, double value) {
-    return static_cast<std::size_t>(_snprintf(out, kNumberRoom, "%lg", value));
+std::size_t print_by_runtime(char* out, double value) {
+    return static_cast<std::size_t>(print_text(out, kNumberRoom, "%lg", value));
 }
-std::size_t runtime_print(wchar_t* out, double value) {
-    return static_cast<std::size_t>(_snwprintf(out, kNumberRoom, L"%lg", value));
+std::size_t print_by_runtime(wchar_t* out, double value) {
+    return static_cast<std::size_t>(print_text(out, kNumberRoom, L"%lg", value));
 }
 
 // Writes exactly count digits. @return the place behind them
@@ -108,7 +107,7 @@ std::size_t print_real_number(Char* out, double value) {
     Rounded number;
     const bool plain = magnitude >= 0.0001 && magnitude <= 999999 && decimal_point_is_dot() &&
                        round_to_six_digits(magnitude, number);
-    if (!plain) return runtime_print(out, value);
+    if (!plain) return print_by_runtime(out, value);
     Char* p = out;
     if (value < 0) *p++ = '-';
     return terminate(out, write_decimal(p, number));

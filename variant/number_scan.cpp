@@ -1,22 +1,17 @@
 #include "variant/number_scan.h"
 
+#include "string/format.h"
 #include "variant/decimal_point.h"
-
-#include <cstdio>
-#include <cwchar>
 
 namespace qzr {
 
 namespace {
 
-// The platform's scanner; the compiler's own differs from it.
-template <class T>
-bool runtime_scan(const char* text, const char* format, const wchar_t*, T& out) {
-    return __ms_sscanf(text, format, &out) == 1;
+bool scan_by_runtime(const char* text, const char* format, const wchar_t*, void* out) {
+    return scan_text(text, format, out);
 }
-template <class T>
-bool runtime_scan(const wchar_t* text, const char*, const wchar_t* format, T& out) {
-    return __ms_swscanf(text, format, &out) == 1;
+bool scan_by_runtime(const wchar_t* text, const char*, const wchar_t* format, void* out) {
+    return scan_text(text, format, out);
 }
 
 template <class Char>
@@ -89,7 +84,7 @@ template <class Char>
 bool scan_signed_number(const Char* text, int& out) {
     bool negative;
     unsigned magnitude;
-    if (!plain_integer(text, negative, magnitude)) return runtime_scan(text, "%d", L"%d", out);
+    if (!plain_integer(text, negative, magnitude)) return scan_by_runtime(text, "%d", L"%d", &out);
     out = negative ? -static_cast<int>(magnitude) : static_cast<int>(magnitude);
     return true;
 }
@@ -98,7 +93,8 @@ template <class Char>
 bool scan_unsigned_number(const Char* text, unsigned& out) {
     bool negative;
     unsigned magnitude;
-    if (!plain_integer(text, negative, magnitude) || negative) return runtime_scan(text, "%u", L"%u", out);
+    if (!plain_integer(text, negative, magnitude) || negative)
+        return scan_by_runtime(text, "%u", L"%u", &out);
     out = magnitude;
     return true;
 }
@@ -107,7 +103,7 @@ template <class Char>
 bool scan_double_number(const Char* text, double& out) {
     Decimal decimal;
     if (!decimal_point_is_dot() || !plain_decimal(text, decimal))
-        return runtime_scan(text, "%lf", L"%lf", out);
+        return scan_by_runtime(text, "%lf", L"%lf", &out);
     const double value = static_cast<double>(decimal.digits) / kPowersOfTen[decimal.places];
     out = decimal.negative ? -value : value;
     return true;
@@ -120,7 +116,7 @@ bool scan_float_number(const Char* text, float& out) {
     Decimal decimal;
     if (!decimal_point_is_dot() || !plain_decimal(text, decimal) || decimal.digits >= 1u << 24 ||
         decimal.places > 10)
-        return runtime_scan(text, "%f", L"%f", out);
+        return scan_by_runtime(text, "%f", L"%f", &out);
     const double value = static_cast<double>(decimal.digits) / kPowersOfTen[decimal.places];
     out = static_cast<float>(decimal.negative ? -value : value);
     return true;

@@ -2,26 +2,20 @@
 #pragma once
 
 #include "core/allocator.h"
-
-#include <cstddef>
-#include <cstring>
-#include <cwchar>
+#include "string/scan.h"
 
 namespace qzr {
-
-inline std::size_t length_of(const char* text) { return std::strlen(text); }
-inline std::size_t length_of(const wchar_t* text) { return std::wcslen(text); }
 
 inline const char* or_empty(const char* text) { return text != nullptr ? text : ""; }
 inline const wchar_t* or_empty(const wchar_t* text) { return text != nullptr ? text : L""; }
 
 // A copy for a variant to own; null for null. Throws CXMemException.
 inline char* duplicate_text(const char* text) {
-    return text != nullptr ? mem_dup(text, length_of(text) + 1) : nullptr;
+    return text != nullptr ? mem_dup(text, text_length(text) + 1) : nullptr;
 }
 inline wchar_t* duplicate_text(const wchar_t* text) {
     if (text == nullptr) return nullptr;
-    return reinterpret_cast<wchar_t*>(mem_dup(text, (length_of(text) + 1) * sizeof(wchar_t)));
+    return reinterpret_cast<wchar_t*>(mem_dup(text, (text_length(text) + 1) * sizeof(wchar_t)));
 }
 
 } // namespace qzr
