@@ -1,0 +1,67 @@
+// Parameter trees in memory.
+#pragma once
+
+#include "param/iface_registry.h"
+#include "param/name_list.h"
+#include "param/param_path.h"
+#include "qzparam.h"
+#include "qzref.h"
+#include "qzvariant.h"
+
+namespace qzr {
+
+// A node. It holds one reference of each child; it does not know its parent. Nodes are many: what an empty
+// one does not need is made on demand.
+class CMemParam final : public CQZUnknownImpl<IParam> {
+public:
+    // A node with one reference for the caller; null when there is no memory.
+    static CMemParam* make() noexcept;
+
+    IParam* CreateSubParam(const char* name) override;
+    IParam* OpenSubParam(const char* name, int create) override;
+    void DeleteSubParam(const char* name) override;
+    void DeleteAllSubParams() override;
+    CTEnum<const char*>* EnumSubParams() override;
+    int GetValue(const char* name, tagQZVARIANT* out) override;
+    void SetValue(const char* name, const tagQZVARIANT* value) override;
+    void DeleteValue(const char* name) override;
+    void DeleteAllValues() override;
+    CTEnum<const char*>* EnumValues() override;
+    void Clear() override;
+
+    unsigned InternalRelease() override;
+    int InternalQueryInterface(const std::type_info& iid, IQZUnknown** out) override;
+
+    static void* operator new(std::size_t size);
+    static void operator delete(void* node, std::size_t size) noexcept;
+
+private:
+    struct ValueEntry : NameEntry {
+        tagQZVARIANT value; // owned
+    };
+    struct ChildEntry : NameEntry {
+        CMemParam* child; // one reference owned; null in an orphan
+    };
+
+    CMemParam() : interfaces_(*this) {}
+    ~CMemParam() override = default; // emptied by destroy()
+
+    ValueEntry* find_value(unsigned hash) const noexcept;
+    ChildEntry* find_child(unsigned hash) const noexcept;
+    void store(const PathPart& name, const tagQZVARIANT& value);
+
+    // Paths up to stop, which is a "\" of the path or null for its end.
+    CQZRef<CMemParam> open_path(const char* path, const char* stop, bool create);
+    CQZRef<CMemParam> create_path(const char* path, const char* stop);
+    CMemParam* add_child(const PathPart& name);
+
+    void release_children(CMemParam*& dying) noexcept;
+    static void destroy(CMemParam* dying) noexcept;
+
+    IfaceRegistry interfaces_;
+    CQZRef<NameList> values_;         // of ValueEntry; null in a node that never had one
+    CQZRef<NameList> children_;       // of ChildEntry; the same
+    CMemParam* next_dying_ = nullptr; // links nodes without references that wait for destroy()
+};
+
+} // namespace qzr
