@@ -1,0 +1,150 @@
+// Trees that are large or deep. A stack overflow ends the test's process.
+#include <gtest/gtest.h>
+
+#include "qzvariant.h"
+#include "support/param_outline.h"
+
+#include <algorithm>
+#include <chrono>
+#include <numeric>
+#include <random>
+
+namespace {
+
+// Four characters that vary give different hashes; from five on names begin to collide.
+std::vector<std::string> shuffled_names(int count) {
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) {
+        std::string name = "name-";
+        for (int rest = i, place = 0; place < 4; ++place, rest /= 36)
+            name += "0123456789abcdefghijklmnopqrstuvwxyz"[rest % 36];
+        names.push_back(name);
+    }
+    std::shuffle(names.begin(), names.end(), std::minstd_rand(4711));
+    return names;
+}
+
+template <class Action>
+double seconds_each(const std::vector<std::string>& names, Action action) {
+    const auto start = std::chrono::steady_clock::now();
+    for (const std::string& name : names)
+        action(name.c_str());
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    return taken.count() / static_cast<double>(names.size());
+}
+
+struct Costs {
+    double set, get, walk, remove;
+};
+
+Costs costs_with(int count) {
+    const std::vector<std::string> names = shuffled_names(count);
+    const CQZRef<IParam> root = memory_tree();
+    Costs costs;
+    costs.set = seconds_each(names, [&](const char* name) { set_int(*root, name, 1); });
+    int found = 0;
+    costs.get = seconds_each(names, [&](const char* name) { found += get_int(*root, name); });
+    EXPECT_EQ(found, count);
+    const auto walk = CQZRef<CTEnum<const char*>>::Adopt(root->EnumValues());
+    std::size_t in_order = 0;
+    costs.walk = seconds_each(names, [&](const char* name) {
+        const char* listed = nullptr;
+        walk->Next(1, &listed, nullptr);
+        in_order += std::string(name) == listed;
+    });
+    EXPECT_EQ(in_order, names.size());
+    std::vector<std::string> backwards(names.rbegin(), names.rend());
+    costs.remove = seconds_each(backwards, [&](const char* name) { root->DeleteValue(name); });
+    EXPECT_EQ(outline_of(*root), "");
+    return costs;
+}
+
+// A search along the list would make each of 100,000 entries cost at least ten times what it costs among
+// 10,000, some fifty microseconds. The slack is for a busy machine.
+TEST(MemParamSize, EachEntryCostsTheSameAmongMany) {
+    constexpr double kSlack = 5e-6;
+    Costs few{1, 1, 1, 1}, many{1, 1, 1, 1};
+    const auto least = [](Costs& best, const Costs& now) {
+        best = {std::min(best.set, now.set), std::min(best.get, now.get), std::min(best.walk, now.walk),
+                std::min(best.remove, now.remove)};
+    };
+    for (int round = 0; round < 3; ++round) {
+        least(few, costs_with(10000));
+        least(many, costs_with(100000));
+    }
+    EXPECT_LT(many.set, few.set * 5 + kSlack);
+    EXPECT_LT(many.get, few.get * 5 + kSlack);
+    EXPECT_LT(many.walk, few.walk * 5 + kSlack);
+    EXPECT_LT(many.remove, few.remove * 5 + kSlack);
+}
+
+TEST(MemParamSize, HoldsAMillionValues) {
+    const std::vector<std::string> names = shuffled_names(1000000);
+    const CQZRef<IParam> root = memory_tree();
+    for (const std::string& name : names)
+        set_int(*root, name.c_str(), 1);
+    EXPECT_EQ(take_names(root->EnumValues()).size(), names.size());
+    root->Clear();
+    EXPECT_EQ(outline_of(*root), "");
+}
+
+TEST(MemParamSize, HoldsManyChildren) {
+    const std::vector<std::string> names = shuffled_names(100000);
+    const CQZRef<IParam> root = memory_tree();
+    for (const std::string& name : names)
+        CQZRef<IParam>::Adopt(root->CreateSubParam(name.c_str()));
+    EXPECT_EQ(take_names(root->EnumSubParams()), names);
+    for (const std::string& name : names)
+        root->DeleteSubParam(name.c_str());
+    EXPECT_EQ(outline_of(*root), "");
+}
+
+constexpr int kLevels = 500000;
+
+CQZRef<IParam> deep_tree() {
+    CQZRef<IParam> root = memory_tree(), node = root;
+    for (int level = 0; level < kLevels; ++level)
+        node = CQZRef<IParam>::Adopt(node->CreateSubParam("n"));
+    set_int(*node, "v", 1);
+    return root;
+}
+
+CQZRef<IParam> deepest(CQZRef<IParam> node, int levels = kLevels) {
+    for (; levels > 0 && node; --levels)
+        node = CQZRef<IParam>::Adopt(node->OpenSubParam("n", 0));
+    return node;
+}
+
+TEST(MemParamSize, DeepTreesAreCopiedComparedAndReleased) {
+    const CQZRef<IParam> root = deep_tree(), copy = memory_tree();
+    Param_CopyTo(root.Get(), copy.Get());
+    EXPECT_EQ(Param_Cmp(root.Get(), copy.Get()), 1);
+    EXPECT_EQ(Param_Cmp(copy.Get(), root.Get()), 1);
+    set_int(*deepest(copy), "v", 2);
+    EXPECT_EQ(Param_Cmp(root.Get(), copy.Get()), 0);
+}
+
+TEST(MemParamSize, DeepTreesAreCleared) {
+    for (const char* const way : {"clear", "drop", "release"}) {
+        SCOPED_TRACE(way);
+        CQZRef<IParam> root = deep_tree();
+        const CQZRef<IParam> held = deepest(root);
+        ASSERT_TRUE(held);
+        if (way[0] == 'c') root->Clear();
+        if (way[0] == 'd') root->DeleteSubParam("n");
+        if (way[0] == 'r') root.Reset();
+        EXPECT_EQ(outline_of(*held), "v=1");
+    }
+}
+
+TEST(MemParamSize, PathsAreFollowedToAnyDepth) {
+    std::string path = "n";
+    for (int level = 1; level < kLevels; ++level)
+        path += "\\n";
+    const CQZRef<IParam> root = memory_tree({{"create", path}});
+    set_int(*root, (path + "\\v").c_str(), 3);
+    EXPECT_EQ(get_int(*root, (path + "\\v").c_str()), 3);
+    EXPECT_EQ(outline_of(*deepest(root)), "v=3");
+}
+
+} // namespace

@@ -1,0 +1,96 @@
+#include "support/param_outline.h"
+
+#include "qzvariant.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+std::vector<std::string> take_names(CTEnum<const char*>* names) {
+    const auto held = CQZRef<CTEnum<const char*>>::Adopt(names);
+    std::vector<std::string> all;
+    for (const char* name; held && held->Next(1, &name, nullptr) != 0;)
+        all.push_back(name);
+    return all;
+}
+
+std::vector<CQZRef<IParam>> children_of(IParam& node) {
+    std::vector<CQZRef<IParam>> all;
+    for (const std::string& name : take_names(node.EnumSubParams()))
+        if (IParam* const child = node.OpenSubParam(name.c_str(), 0))
+            all.push_back(CQZRef<IParam>::Adopt(child));
+    return all;
+}
+
+namespace {
+
+std::string shown_value(IParam& node, const std::string& name) {
+    CQZVariant value;
+    if (node.GetValue(name.c_str(), &value) == 0) return name + "!";
+    return value.vt == QZVT_INT ? name + "=" + std::to_string(value.intVal) : name;
+}
+
+std::string shown_child(IParam& node, const std::string& name, bool ordered) {
+    const auto child = CQZRef<IParam>::Adopt(node.OpenSubParam(name.c_str(), 0));
+    return child ? name + "{" + outline_of(*child, ordered) + "}" : name + "!";
+}
+
+} // namespace
+
+std::string outline_of(IParam& node, bool ordered) {
+    std::vector<std::string> values = take_names(node.EnumValues());
+    std::vector<std::string> children = take_names(node.EnumSubParams());
+    if (!ordered) {
+        std::sort(values.begin(), values.end());
+        std::sort(children.begin(), children.end());
+    }
+    std::string line;
+    for (const std::string& name : values)
+        line += " " + shown_value(node, name);
+    for (const std::string& name : children)
+        line += " " + shown_child(node, name, ordered);
+    return line.empty() ? line : line.substr(1);
+}
+
+void set_int(IParam& node, const char* name, int value) {
+    const CQZVariant stored(value);
+    node.SetValue(name, &stored);
+}
+
+int get_int(IParam& node, const char* name) {
+    CQZVariant value;
+    return node.GetValue(name, &value) != 0 && value.vt == QZVT_INT ? value.intVal : kNoValue;
+}
+
+std::string run_steps(IParam& root, const std::vector<Step>& steps) {
+    std::string done;
+    int number = 0;
+    for (const auto& [what, text] : steps) {
+        const char* const name = text.c_str();
+        ++number;
+        done += what + " " + text + "; ";
+        if (what == "set")
+            set_int(root, name, number);
+        else if (what == "delete")
+            root.DeleteValue(name);
+        else if (what == "drop")
+            root.DeleteSubParam(name);
+        else if (what == "clear")
+            root.Clear();
+        else if (what == "create")
+            CQZRef<IParam>::Adopt(root.CreateSubParam(name));
+        else if (what == "make")
+            CQZRef<IParam>::Adopt(root.OpenSubParam(name, 1));
+        else if (what == "open")
+            CQZRef<IParam>::Adopt(root.OpenSubParam(name, 0));
+        else
+            ADD_FAILURE() << "no step is called " << what;
+    }
+    return done;
+}
+
+CQZRef<IParam> memory_tree(const std::vector<Step>& steps) {
+    auto root = CQZRef<IParam>::Adopt(new_MemParam());
+    run_steps(*root, steps);
+    return root;
+}

@@ -1,0 +1,35 @@
+// Parameter trees in tests: written down in one line, and built by a list of steps.
+#pragma once
+
+#include "qzparam.h"
+#include "qzref.h"
+
+#include <string>
+#include <vector>
+
+// All names that an enumerator gives; releases it.
+std::vector<std::string> take_names(CTEnum<const char*>* names);
+
+std::vector<CQZRef<IParam>> children_of(IParam& node);
+
+// "v=5 w a{x=1 b{}}": values, integers with what they are, then children with theirs. A child that is listed
+// and does not open is "a!", such a value "v!". Sorted where a backend has no order of its own.
+std::string outline_of(IParam& node, bool ordered = true);
+
+void set_int(IParam& node, const char* name, int value);
+
+constexpr int kNoValue = -99999;
+int get_int(IParam& node, const char* name); // kNoValue when it is not there or no integer
+
+// One operation: "create" (CreateSubParam), "make" (OpenSubParam, creating), "open" (not creating), "set" (an
+// integer value, the number of the step from 1 on), "clear", "delete" (DeleteValue), "drop" (DeleteSubParam).
+struct Step {
+    std::string what;
+    std::string name;
+};
+
+// Returns the steps in one line, for messages.
+std::string run_steps(IParam& root, const std::vector<Step>& steps);
+
+// A tree of its own.
+CQZRef<IParam> memory_tree(const std::vector<Step>& steps = {});
