@@ -44,7 +44,8 @@ constexpr unsigned memory_budget(unsigned long long page_file, unsigned long lon
     constexpr unsigned kMost = 16'384'000;
     const auto paged =
         static_cast<unsigned>(static_cast<unsigned long long>(kShare * static_cast<double>(page_file)));
-    const double sum = (static_cast<double>(paged / 2) + kShare * static_cast<double>(physical)) * 4;
+    const unsigned half = paged / 2;
+    const double sum = (half + kShare * static_cast<double>(physical)) * 4;
     const auto budget = static_cast<unsigned>(static_cast<unsigned long long>(sum));
     return budget < kLeast ? kLeast : budget > kMost ? kMost : budget;
 }
