@@ -34,7 +34,8 @@ HANDLE create_system_heap() {
 CHeap::CHeap(HeapManager& manager, unsigned long long size, bool permanent)
     : m_bPermanent(permanent), m_manager(manager) {
     const std::lock_guard guard(manager.lock());
-    m_hHeap.reset(manager.obtain([] { return create_system_heap(); }));
+    m_hHeap.reset(create_system_heap());
+    if (!m_hHeap) m_hHeap.reset(manager.retry([] { return create_system_heap(); }));
     manager.activity().count_request(size);
     if (!m_hHeap) throw CXMemException();
     manager.link(*this);
@@ -56,16 +57,23 @@ void* CHeap::alloc_unzeroed(unsigned long long size) { return allocate(size, 0);
 
 void* CHeap::allocate(unsigned long long size, DWORD flags) {
     const std::lock_guard guard(m_manager.lock());
-    void* const block = m_manager.obtain([&]() -> void* {
-        // A size whose sum with the header would wrap is refused like any other that is too large.
-        if (size > kLargestRequest) return nullptr;
-        return HeapAlloc(m_hHeap.get(), flags, size + kOverhead);
-    });
-    if (block == nullptr) throw CXMemException();
+    auto* header = static_cast<BlockHeader*>(request(size, flags));
+    if (header == nullptr) [[unlikely]]
+        header = static_cast<BlockHeader*>(request_again(size, flags));
     m_manager.activity().count_request(size + kOverhead);
-    auto* const header = static_cast<BlockHeader*>(block);
     header->owner = this;
     return header + 1;
+}
+
+// A size whose sum with the header would wrap is refused like any other that is too large.
+void* CHeap::request(unsigned long long size, DWORD flags) noexcept {
+    return size <= kLargestRequest ? HeapAlloc(m_hHeap.get(), flags, size + kOverhead) : nullptr;
+}
+
+[[gnu::noinline]] void* CHeap::request_again(unsigned long long size, DWORD flags) {
+    void* const block = m_manager.retry([&] { return request(size, flags); });
+    if (block == nullptr) throw CXMemException();
+    return block;
 }
 
 // No lock: the system heap has its own, and a block may be freed while another thread sits in a low-memory
