@@ -7,7 +7,9 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace qzr {
@@ -26,6 +28,35 @@ char* mem_dup(const void* bytes, std::size_t n);
 // mem_free, with the same n; any thread may. Never waits for another thread. Throws CXMemException.
 void* block_alloc(std::size_t n);
 void block_free(void* p, std::size_t n) noexcept; // null is fine
+
+// Objects in such blocks.
+template <class T, class... Arguments>
+T* block_new(Arguments&&... arguments) {
+    static_assert(alignof(T) <= 8, "heap blocks are aligned to eight bytes");
+    void* const place = block_alloc(sizeof(T));
+    try {
+        return new (place) T(std::forward<Arguments>(arguments)...);
+    } catch (...) {
+        block_free(place, sizeof(T));
+        throw;
+    }
+}
+
+template <class T>
+void block_delete(T* object) noexcept {
+    if (object == nullptr) return;
+    object->~T();
+    block_free(object, sizeof(T));
+}
+
+struct BlockDeleter {
+    template <class T>
+    void operator()(T* object) const noexcept {
+        block_delete(object);
+    }
+};
+template <class T>
+using BlockPtr = std::unique_ptr<T, BlockDeleter>;
 
 // For the containers of the standard library: exhaustion is CXMemException there too.
 template <class T>

@@ -21,7 +21,9 @@ namespace detail {
 alignas(Library) constinit std::byte library_storage[sizeof(Library)] = {};
 }
 
-Library::Library() : module(module_around(reinterpret_cast<const void*>(&start_library))) {}
+Library::Library()
+    : module(module_around(reinterpret_cast<const void*>(&start_library))),
+      service_container("CLSID_OFSERVICECONTAINER", module) {}
 
 bool start_library() noexcept {
     try {

@@ -17,6 +17,7 @@
 #include "core/block_cache.h"
 #include "core/global_mutex.h"
 #include "core/heap_manager.h"
+#include "core/object_registry.h"
 #include "core/windows_lean.h"
 
 #include <cstddef>
@@ -26,10 +27,12 @@ namespace qzr {
 struct Library {
     Library();
 
-    HINSTANCE module;  // the library's own
-    HeapManager heaps; // everything below may own heap blocks
-    BlockCache blocks;
-    GlobalMutex global_mutex;
+    HINSTANCE module;         // the library's own
+    HeapManager heaps;        // everything below may own heap blocks
+    BlockCache blocks;        //
+    GlobalMutex global_mutex; //
+    ObjectRegistry objects;   // classes by name
+    CQZObjectRegistrar service_container;
 };
 
 namespace detail {

@@ -1,0 +1,96 @@
+#include "core/object_registry.h"
+
+#include "core/name_hash.h"
+#include "core/system_error.h"
+
+namespace qzr {
+
+namespace {
+
+// Stands outside the registry, because modules still unregister their classes when it is gone.
+constinit bool open = false;
+
+QZObjectFactory find_export(HINSTANCE module, const char* name) {
+    return reinterpret_cast<QZObjectFactory>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+// The full path, by the system's standard search order. Throws the system's message when there is no such
+// file.
+CXString find_module_file(const char* dllpath) {
+    char found[512];
+    const DWORD length = SearchPathA(nullptr, dllpath, nullptr, sizeof found, found, nullptr);
+    if (length == 0 || length >= sizeof found) throw system_message();
+    return CXString(found);
+}
+
+} // namespace
+
+ObjectRegistry::ObjectRegistry() noexcept { open = true; }
+
+ObjectRegistry::~ObjectRegistry() {
+    open = false;
+    entries_.set_closing();
+    entries_.take_all([](CRegistryEntry* entry) { block_delete(entry); });
+}
+
+bool ObjectRegistry::is_open() noexcept { return open; }
+
+int ObjectRegistry::add(const char* name, const char* dllpath) {
+    const unsigned hash = hash_name(name);
+    if (entries_.find(hash) != nullptr) return 1;
+    try {
+        BlockPtr<CRegistryEntry> entry(block_new<CRegistryEntry>());
+        entry->path = find_module_file(dllpath);
+        entry->export_name = CXString(name);
+        entries_.insert(entry.get(), hash);
+        entry.release();
+    } catch (const CXString&) {
+        return 0; // nobody is told the text
+    }
+    return 1;
+}
+
+int ObjectRegistry::add(const char* name, HINSTANCE module) {
+    const unsigned hash = hash_name(name);
+    if (entries_.find(hash) != nullptr) return 1;
+    const QZObjectFactory factory = find_export(module, name);
+    if (factory == nullptr) return 0;
+    BlockPtr<CRegistryEntry> entry(block_new<CRegistryEntry>());
+    entry->module = module;
+    entry->factory = factory;
+    entries_.insert(entry.get(), hash);
+    entry.release();
+    return 1;
+}
+
+int ObjectRegistry::remove(const char* name) noexcept {
+    CRegistryEntry* const entry = entries_.find(hash_name(name));
+    if (entry == nullptr) return 0;
+    entries_.remove(entry);
+    block_delete(entry);
+    return 1;
+}
+
+bool ObjectRegistry::contains(const char* name) const noexcept {
+    return entries_.find(hash_name(name)) != nullptr;
+}
+
+// The module is recorded before its export is looked up and is all that later calls look at: a module that
+// lacks its export stays without a factory. It is never unloaded, since objects of it may live anywhere.
+QZObjectFactory ObjectRegistry::factory_of(const char* name) {
+    const unsigned hash = hash_name(name);
+    CRegistryEntry* entry = entries_.find(hash);
+    if (entry == nullptr) return nullptr;
+    if (entry->module != nullptr) return entry->factory;
+
+    const HINSTANCE module = LoadLibraryA(entry->path);
+    if (module == nullptr) return nullptr;
+    entry = entries_.find(hash); // a module may register and unregister while it is being loaded
+    if (entry != nullptr && entry->module == nullptr) {
+        entry->module = module;
+        entry->factory = find_export(module, entry->export_name);
+    }
+    return entry != nullptr ? entry->factory : nullptr;
+}
+
+} // namespace qzr

@@ -1,0 +1,36 @@
+// A directory of objects that one part of an application offers to the others.
+#pragma once
+
+#include "core/service_map.h"
+#include "qzobject.h"
+
+namespace qzr {
+
+// Lives only inside CQZAggObject, which implements the root operations. Sinks may change the container while
+// they are being told; only its last reference they must not release.
+class CQZServiceContainer : public IQZServiceContainer {
+public:
+    using Interface = IQZServiceContainer;
+
+    int EnumServices(const std::type_info& iid, IQZUnknown** out) override;
+    int EnumServiceNames(IQZUnknown** out) override;
+    int GetService(const char* name, IQZUnknown** out) override;
+    int AddService(const char* name, IQZUnknown* service) override;
+    int RemoveService(const char* name) override;
+    void RemoveAllServices() override;
+
+protected:
+    CQZServiceContainer() = default;
+    ~CQZServiceContainer() = default;
+
+private:
+    using Event = void (IQZServiceSink::*)(IQZServiceContainer*);
+
+    void tell(IQZUnknown* service, Event event);
+
+    ServiceMap m_services;
+    CUnknownInternal m_inner; // the non-delegating unknown of an aggregatable object
+    bool m_bRemovingAll = false;
+};
+
+} // namespace qzr
