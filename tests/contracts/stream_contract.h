@@ -1,0 +1,330 @@
+// What every IXStream does: one suite, run against each implementation.
+//
+//     INSTANTIATE_TYPED_TEST_SUITE_P(Memory, StreamContract, MemoryKind);
+//
+// A kind opens new, empty, writable streams and declares in what they differ:
+//
+//     struct MemoryKind {
+//         static constexpr const wchar_t* kName = L"Memory stream"; // GetName
+//         static constexpr bool kStaysInside = true;                // seeks stop at both ends
+//         static constexpr bool kFirstHalfOfWideText = true;        // of a wide text in a variant
+//         IXStream* open();                                         // one reference for the caller
+//     };
+#pragma once
+
+#include "qzexception.h"
+#include "qzref.h"
+#include "qzstream.h"
+#include "support/hex.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+template <class Kind>
+class StreamContract : public testing::Test {
+protected:
+    StreamContract() : stream(CQZRef<IXStream>::Adopt(kind.open())) {}
+    void SetUp() override { ASSERT_TRUE(stream); }
+
+    // Puts bytes into a new stream.
+    static void fill(IXStream& s, std::string_view bytes) {
+        s.Write(bytes.data(), static_cast<unsigned>(bytes.size()));
+        ASSERT_EQ(s.GetSize(), bytes.size());
+        s.Seek(0, 0);
+    }
+    void fill(std::string_view hex) { fill(*stream, test::from_hex(hex)); }
+    CQZRef<IXStream> another(std::string_view bytes = "") {
+        auto fresh = CQZRef<IXStream>::Adopt(kind.open());
+        fill(*fresh, bytes);
+        return fresh;
+    }
+
+    // All bytes as hexadecimal text; the position stays.
+    static std::string content(IXStream& s) {
+        const unsigned position = s.GetPosition();
+        std::string bytes(s.GetSize(), '\0');
+        s.Seek(0, 0);
+        EXPECT_EQ(s.Read(bytes.data(), static_cast<unsigned>(bytes.size())), bytes.size());
+        s.Seek(static_cast<int>(position), 0);
+        return test::to_hex(bytes);
+    }
+    std::string content() { return content(*stream); }
+
+    Kind kind;
+    CQZRef<IXStream> stream;
+};
+TYPED_TEST_SUITE_P(StreamContract);
+
+TYPED_TEST_P(StreamContract, ANewStreamIsEmpty) {
+    IXStream& s = *this->stream;
+    char byte = 'x';
+    EXPECT_EQ(s.GetSize(), 0u);
+    EXPECT_EQ(s.GetPosition(), 0u);
+    EXPECT_EQ(s.Read(&byte, 1), 0u);
+    EXPECT_EQ(byte, 'x');
+    EXPECT_STREQ(s.GetName(), TypeParam::kName);
+}
+
+TYPED_TEST_P(StreamContract, AnswersForItsInterfaces) {
+    IQZUnknown* found = nullptr;
+    EXPECT_EQ(this->stream->QueryInterface(typeid(IXStream), &found), 1);
+    EXPECT_EQ(found, this->stream.Get());
+    found->Release();
+    EXPECT_EQ(this->stream->QueryInterface(typeid(IQZUnknown), &found), 1);
+    EXPECT_EQ(found, this->stream.Get());
+    found->Release();
+    EXPECT_EQ(this->stream->QueryInterface(typeid(IXStorage), &found), 0);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(this->stream->AddRef(), 2u) << "no query left a reference behind";
+    this->stream->Release();
+}
+
+TYPED_TEST_P(StreamContract, TransfersMoveThePosition) {
+    IXStream& s = *this->stream;
+    s.Write("abcdef", 6);
+    EXPECT_EQ(s.GetPosition(), 6u);
+    s.Seek(2, 0);
+    s.Write("XY", 2);
+    EXPECT_EQ(s.GetPosition(), 4u);
+    EXPECT_EQ(s.GetSize(), 6u);
+    s.Write("Z12345", 6); // over the end
+    EXPECT_EQ(s.GetSize(), 10u);
+    s.Write("", 0);
+    EXPECT_EQ(this->content(), test::to_hex("abXYZ12345"));
+
+    char buffer[8] = "-------";
+    s.Seek(-3, 2);
+    EXPECT_EQ(s.Read(buffer, 0), 0u);
+    EXPECT_EQ(s.Read(buffer, 7), 3u) << "what is left";
+    EXPECT_STREQ(buffer, "345----");
+    EXPECT_EQ(s.Read(buffer, 7), 0u);
+    EXPECT_EQ(s.GetPosition(), 10u);
+}
+
+TYPED_TEST_P(StreamContract, SeeksFromThreeOrigins) {
+    struct Row {
+        int offset;
+        unsigned origin;
+        unsigned expected;
+    };
+    const Row inside[] = {{0, 0, 0},  {3, 0, 3},  {10, 0, 10}, {0, 1, 4}, {-4, 1, 0},
+                          {6, 1, 10}, {0, 2, 10}, {-10, 2, 0}, {-3, 2, 7}};
+    const Row outside[] = {{-5, 0, 0},       {-5, 1, 0},      {-11, 2, 0},      {11, 0, 10},
+                           {7, 1, 10},       {10, 2, 10},     {INT_MAX, 0, 10}, {INT_MAX, 1, 10},
+                           {INT_MAX, 2, 10}, {INT_MIN, 0, 0}, {INT_MIN, 1, 0},  {INT_MIN, 2, 0}};
+    std::vector<Row> rows(std::begin(inside), std::end(inside));
+    if (TypeParam::kStaysInside) rows.insert(rows.end(), std::begin(outside), std::end(outside));
+    this->fill("'0123456789'");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.offset << " from " << row.origin);
+        this->stream->Seek(4, 0);
+        EXPECT_EQ(this->stream->Seek(row.offset, row.origin), row.expected);
+        EXPECT_EQ(this->stream->GetPosition(), row.expected);
+        EXPECT_EQ(this->stream->GetSize(), 10u);
+    }
+}
+
+TYPED_TEST_P(StreamContract, ABadSeekOriginNamesTheStream) {
+    this->fill("'0123'");
+    this->stream->Seek(2, 0);
+    for (const unsigned origin : {3u, 4u, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(origin);
+        try {
+            this->stream->Seek(0, origin);
+            ADD_FAILURE() << "no exception";
+        } catch (const CXFileException& e) {
+            EXPECT_EQ(e.m_nCode, 10u);
+            EXPECT_EQ(e.m_nOperation, 3u);
+            EXPECT_STREQ(e.m_pszFileName, TypeParam::kName);
+        }
+        EXPECT_EQ(this->stream->GetPosition(), 2u);
+    }
+}
+
+TYPED_TEST_P(StreamContract, TypedValuesLieLittleEndian) {
+    IXStream& s = *this->stream;
+    s.WriteByte(0xFE);
+    s.WriteWord(0x1234);
+    s.WriteDWord(0xDEADBEEF);
+    s.WriteDouble(-2.5);
+    s.WriteString("");
+    s.WriteString("a\xE9");
+    s.WriteStringW(L"");
+    s.WriteStringW(L"a\x0439");
+    EXPECT_EQ(this->content(), test::to_hex(test::from_hex("fe 3412 efbeadde 00000000000004c0"
+                                                           "00 61e900 0000 6100 3904 0000")));
+    s.Seek(0, 0);
+    EXPECT_EQ(s.ReadByte(), 0xFE);
+    EXPECT_EQ(s.ReadWord(), 0x1234);
+    EXPECT_EQ(s.ReadDWord(), 0xDEADBEEF);
+    EXPECT_EQ(s.ReadDouble(), -2.5);
+    EXPECT_EQ(s.GetPosition(), 15u);
+}
+
+TYPED_TEST_P(StreamContract, DoublesKeepTheirBits) {
+    this->fill("0000000000000080 010000000000f8ff 000000000000f07f 0100000000000000");
+    double values[4];
+    for (double& value : values)
+        value = this->stream->ReadDouble();
+    EXPECT_TRUE(values[0] == 0 && std::signbit(values[0]));
+    EXPECT_TRUE(std::isnan(values[1]));
+    EXPECT_TRUE(std::isinf(values[2]));
+    EXPECT_GT(values[3], 0);
+    const auto copy = this->another();
+    for (const double value : values)
+        copy->WriteDouble(value);
+    EXPECT_EQ(this->content(*copy), this->content());
+}
+
+TYPED_TEST_P(StreamContract, AValueThatTheEndCutsShortIsFilledWithZeroes) {
+    this->fill("11 22 33");
+    IXStream& s = *this->stream;
+    s.Seek(2, 0);
+    EXPECT_EQ(s.ReadWord(), 0x33);
+    s.Seek(1, 0);
+    EXPECT_EQ(s.ReadDWord(), 0x3322u);
+    EXPECT_EQ(s.GetPosition(), 3u);
+    s.Seek(0, 0);
+    const double value = s.ReadDouble();
+    EXPECT_EQ(test::to_hex({reinterpret_cast<const char*>(&value), 8}), "11 22 33 00 00 00 00 00");
+}
+
+TYPED_TEST_P(StreamContract, ReadingATypedValueAtTheEndThrows) {
+    this->fill("11 22");
+    IXStream& s = *this->stream;
+    char line[4];
+    wchar_t wide[4];
+    s.Seek(0, 2);
+    const std::function<void()> reads[] = {[&] { s.ReadByte(); },        [&] { s.ReadWord(); },
+                                           [&] { s.ReadDWord(); },       [&] { s.ReadDouble(); },
+                                           [&] { s.ReadLine(line, 2); }, [&] { s.ReadLineW(wide, 2); }};
+    for (std::size_t i = 0; i < std::size(reads); ++i) {
+        EXPECT_THROW(reads[i](), CXEofException) << i;
+        EXPECT_EQ(s.GetPosition(), 2u) << i;
+    }
+}
+
+namespace stream_contract {
+
+// Reads a line into a buffer of 0xee and tells "result: buffer @position", with "." for a place left alone,
+// "$" for a line feed and "0" for a zero.
+template <class Char>
+std::string read_line(IXStream& s, int max, int (IXStream::*read)(Char*, int)) {
+    constexpr Char kUntouched = static_cast<Char>(sizeof(Char) == 1 ? 0xEE : 0xEEEE);
+    std::basic_string<Char> buffer(12, kUntouched);
+    std::string told;
+    try {
+        told = std::to_string((s.*read)(buffer.data(), max)) + ": ";
+    } catch (const CXEofException&) {
+        told = "end: ";
+    }
+    for (const Char c : buffer)
+        told += c == kUntouched ? '.' : c == 0 ? '0' : c == 10 ? '$' : static_cast<char>(c);
+    return told + " @" + std::to_string(s.GetPosition() / sizeof(Char));
+}
+
+struct LineRow {
+    const char* input; // "$" is a line feed, "0" a zero
+    int start;
+    int max;
+    const char* expected;
+};
+
+inline constexpr LineRow kLines[] = {
+    {"", 0, 10, "end: ............ @0"},
+    {"$", 0, 10, "1: $0.......... @1"},
+    {"0", 0, 10, "1: 00.......... @1"},
+    {"ab$cd", 0, 10, "3: ab$0........ @3"},
+    {"ab0cd", 0, 10, "3: ab00........ @3"},
+    {"ab$cd", 3, 10, "end: cd.......... @5"},
+    {"a\r$b", 0, 10, "3: a\r$0........ @3"}, // a carriage return is a character like any other
+    {"abcd$", 0, 5, "5: abcd$0...... @5"},
+    {"abcde", 0, 5, "6: abcde.0..... @5"}, // the place behind the last character is skipped
+    {"abcdefg$", 0, 5, "6: abcde.0..... @5"},
+    {"abcdefg$", 5, 5, "3: fg$0........ @8"},
+    {"$$", 0, 1, "1: $0.......... @1"},
+    {"ab", 0, 1, "2: a.0......... @1"},
+    {"ab$", 0, 0, "1: .0.......... @0"},
+    {"ab$", 0, -7, "1: .0.......... @0"},
+    {"", 0, 0, "1: .0.......... @0"}, // reads nothing, so does not find the end
+};
+
+inline std::string line_bytes(const char* input, std::size_t width) {
+    std::string bytes;
+    for (const char* p = input; *p != 0; ++p) {
+        bytes += *p == '$' ? '\n' : *p == '0' ? '\0' : *p;
+        bytes.append(width - 1, '\0');
+    }
+    return bytes;
+}
+
+} // namespace stream_contract
+
+TYPED_TEST_P(StreamContract, LinesKeepTheirStopAndTheOddTerminator) {
+    for (const auto& row : stream_contract::kLines) {
+        SCOPED_TRACE(testing::Message() << '"' << row.input << "\" max " << row.max);
+        const auto narrow = this->another(stream_contract::line_bytes(row.input, 1));
+        narrow->Seek(row.start, 0);
+        EXPECT_EQ(stream_contract::read_line<char>(*narrow, row.max, &IXStream::ReadLine), row.expected);
+        const auto wide = this->another(stream_contract::line_bytes(row.input, 2));
+        wide->Seek(row.start * 2, 0);
+        EXPECT_EQ(stream_contract::read_line<wchar_t>(*wide, row.max, &IXStream::ReadLineW), row.expected);
+    }
+}
+
+TYPED_TEST_P(StreamContract, AWideLineMayStartAnywhereAndEndInHalfACharacter) {
+    this->fill("ff 0a01 000a 6100 0a00 62");
+    wchar_t buffer[8] = {};
+    this->stream->Seek(1, 0);
+    EXPECT_EQ(this->stream->ReadLineW(buffer, 6), 4);
+    const wchar_t expected[] = {0x010A, 0x0A00, 'a', '\n', 0};
+    EXPECT_TRUE(std::equal(std::begin(expected), std::end(expected), buffer));
+    EXPECT_EQ(this->stream->ReadLineW(buffer, 1), 2);
+    EXPECT_EQ(buffer[0], L'b') << "the missing half is zero";
+    EXPECT_THROW(this->stream->ReadLineW(buffer, 1), CXEofException);
+}
+
+TYPED_TEST_P(StreamContract, LongLinesComeWholeAndInPieces) {
+    const std::string text = std::string(5000, 'x') + '\n';
+    this->stream->Write(text.data(), static_cast<unsigned>(text.size()));
+    std::string buffer(text.size() + 2, '#');
+    this->stream->Seek(0, 0);
+    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 5001), 5001);
+    EXPECT_EQ(buffer, text + '\0' + '#');
+    for (int start = 4950; start <= 5000; ++start) { // the line feed at every distance
+        this->stream->Seek(start, 0);
+        EXPECT_EQ(this->stream->ReadLine(buffer.data(), 100), 5001 - start) << start;
+    }
+    this->stream->Seek(0, 0);
+    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 4000), 4001);
+    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 4000), 1001);
+    EXPECT_EQ(buffer[1000], '\n');
+}
+
+TYPED_TEST_P(StreamContract, LargeTransfersArriveWhole) {
+    std::string bytes(3 << 20, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 2654435761u >> 13);
+    IXStream& s = *this->stream;
+    for (std::size_t at = 0; at < bytes.size(); at += 100'000)
+        s.Write(bytes.data() + at, static_cast<unsigned>(std::min<std::size_t>(100'000, bytes.size() - at)));
+    ASSERT_EQ(s.GetSize(), bytes.size());
+    std::string back(bytes.size(), 'x');
+    s.Seek(0, 0);
+    EXPECT_EQ(s.Read(back.data(), static_cast<unsigned>(back.size())), bytes.size());
+    EXPECT_TRUE(back == bytes);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(StreamContract, ANewStreamIsEmpty, AnswersForItsInterfaces,
+                            TransfersMoveThePosition, SeeksFromThreeOrigins, ABadSeekOriginNamesTheStream,
+                            TypedValuesLieLittleEndian, DoublesKeepTheirBits,
+                            AValueThatTheEndCutsShortIsFilledWithZeroes, ReadingATypedValueAtTheEndThrows,
+                            LinesKeepTheirStopAndTheOddTerminator,
+                            AWideLineMayStartAnywhereAndEndInHalfACharacter, LongLinesComeWholeAndInPieces,
+                            LargeTransfersArriveWhole);

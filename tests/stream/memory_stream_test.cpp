@@ -1,0 +1,311 @@
+// What only the stream in memory has: its block, its growth, its progress sink.
+#include "qzexception.h"
+#include "qzheap.h"
+#include "qzref.h"
+#include "qzstream.h"
+#include "qzvariant.h"
+#include "support/hex.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+class MemoryStream : public testing::Test {
+protected:
+    MemoryStream()
+        : stream(CQZRef<IXStream>::Adopt(new_StreamOnMemory())),
+          block(CQZRef<IMemBlock>::Query(stream.Get())) {}
+
+    std::string content() const {
+        return test::to_hex({static_cast<const char*>(block->GetData()), block->GetSize()});
+    }
+    // The block is one of the heap, which knows its size.
+    int capacity() const {
+        return block->GetData() != nullptr ? Mem_DefaultHeap()->GetSize(block->GetData()) : 0;
+    }
+    void append(unsigned count) {
+        stream->Seek(0, 2);
+        const std::string bytes(count, 'x');
+        stream->Write(bytes.data(), count);
+    }
+
+    CQZRef<IXStream> stream;
+    CQZRef<IMemBlock> block;
+};
+
+TEST_F(MemoryStream, AnswersForItsBlock) {
+    ASSERT_TRUE(block);
+    IQZUnknown* root = nullptr;
+    EXPECT_EQ(block->QueryInterface(typeid(IQZUnknown), &root), 1);
+    EXPECT_EQ(root, stream.Get()) << "one identity, whichever interface is asked";
+    root->Release();
+    EXPECT_EQ(CQZRef<IXStream>::Query(block.Get()).Get(), stream.Get());
+    EXPECT_EQ(block->AddRef(), 3u) << "both interfaces share one count";
+    EXPECT_EQ(stream->Release(), 2u);
+    EXPECT_EQ(stream->QueryInterface(typeid(IMemBlock), nullptr), 1);
+    EXPECT_EQ(stream->AddRef(), 3u) << "asking alone adds nothing";
+    stream->Release();
+    EXPECT_EQ(block->GetData(), nullptr);
+    EXPECT_EQ(block->GetSize(), 0u);
+}
+
+// The capacity becomes the old one plus the requirement raised past the next multiple of the step.
+TEST_F(MemoryStream, GrowsByItsRule) {
+    struct Row {
+        const char* name;
+        int set_data; // length; -1 for a stream that has no block yet
+        std::vector<unsigned> appended;
+        std::vector<int> capacities;
+    };
+    const Row rows[] = {
+        {"first byte", -1, {1}, {4096}},
+        {"one step", -1, {1, 4095, 1}, {4096, 4096, 12288}},
+        {"a multiple gains a whole step", -1, {4096, 4096, 1}, {8192, 8192, 20480}},
+        {"several steps", -1, {10'000, 2'289}, {12288, 12289 + 12288 + 4095}},
+        {"the data's length is the step", 3, {1, 5, 1}, {3 + 2 + 4, 9, 9 + 2 + 10}},
+        {"no step", 0, {5, 1, 5}, {5, 5 + 6, 11}},
+        {"nothing", 7, {0}, {7}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
+        block = CQZRef<IMemBlock>::Query(stream.Get());
+        if (row.set_data >= 0) block->SetData(nullptr, static_cast<unsigned>(row.set_data));
+        for (std::size_t i = 0; i < row.appended.size(); ++i) {
+            append(row.appended[i]);
+            EXPECT_EQ(capacity(), row.capacities[i]) << i;
+        }
+    }
+}
+
+TEST_F(MemoryStream, SetDataReplacesTheBlockAndKeepsThePosition) {
+    stream->WriteString("0123456");
+    block->SetData("abc", 3);
+    EXPECT_EQ(content(), test::to_hex("abc"));
+    EXPECT_EQ(stream->GetSize(), 3u);
+    EXPECT_EQ(stream->GetPosition(), 8u);
+    char byte = '-';
+    EXPECT_EQ(stream->Read(&byte, 1), 0u) << "beyond the end";
+    EXPECT_THROW(stream->ReadDWord(), CXEofException);
+    EXPECT_THROW(stream->ReadLine(&byte, 1), CXEofException);
+    EXPECT_EQ(stream->GetPosition(), 8u);
+    stream->WriteByte('z');
+    EXPECT_EQ(content(), "61 62 63 00 00 00 00 00 7a") << "the gap is zero";
+
+    block->SetData(nullptr, 4);
+    EXPECT_EQ(content(), "00 00 00 00");
+    stream->Write("", 0); // the position alone makes the stream longer
+    EXPECT_EQ(stream->GetSize(), 9u);
+    block->SetData("ignored", 0);
+    EXPECT_EQ(block->GetData(), nullptr);
+    EXPECT_EQ(block->GetSize(), 0u);
+}
+
+TEST_F(MemoryStream, TakesBytesOfItsOwnBlock) {
+    stream->Write("0123456789", 10);
+    const char* data = static_cast<const char*>(block->GetData());
+    block->SetData(data + 2, 5);
+    EXPECT_EQ(content(), test::to_hex("23456"));
+    stream->Seek(0, 2);
+    stream->Write(block->GetData(), 5); // grows, and moves the bytes while they are being copied
+    EXPECT_EQ(content(), test::to_hex("2345623456"));
+    stream->Seek(1, 0);
+    stream->Write(block->GetData(), 5);
+    EXPECT_EQ(content(), test::to_hex("2234563456"));
+}
+
+TEST_F(MemoryStream, AnEndPast4GiBIsRefusedBeforeAnythingMoves) {
+    stream->Write("abc", 3);
+    EXPECT_THROW(stream->Write("x", 0xFFFFFFFFu), CXMemException);
+    EXPECT_THROW(stream->Write("x", 0xFFFFFFFDu), CXMemException);
+    EXPECT_EQ(stream->GetPosition(), 3u);
+    EXPECT_EQ(content(), test::to_hex("abc"));
+    EXPECT_EQ(capacity(), 4096);
+}
+
+// Blocks over 1 MiB live in address space of their own; one of 128 MiB that more than doubles leaves it.
+TEST_F(MemoryStream, LargeBlocksKeepTheirBytesWhenTheyMove) {
+    constexpr unsigned kMiB = 1u << 20;
+    const unsigned places[] = {0, kMiB - 1, kMiB, 5 * kMiB + 1, 120 * kMiB, 128 * kMiB - 1};
+    const auto expect_marks = [&] {
+        for (const unsigned place : places) {
+            stream->Seek(static_cast<int>(place), 0);
+            EXPECT_EQ(stream->ReadByte(), place % 251 + 1) << place;
+        }
+    };
+    block->SetData(nullptr, 128 * kMiB);
+    for (const unsigned place : places) {
+        stream->Seek(static_cast<int>(place), 0);
+        stream->WriteByte(static_cast<unsigned char>(place % 251 + 1));
+    }
+    expect_marks();
+    append(1);
+    EXPECT_EQ(stream->GetSize(), 128 * kMiB + 1);
+    expect_marks();
+    stream->Seek(64 * static_cast<int>(kMiB), 0);
+    EXPECT_EQ(stream->ReadDWord(), 0u);
+}
+
+TEST_F(MemoryStream, GrowsInPlaceInManySmallSteps) {
+    constexpr unsigned kPieces = 4000; // of 1 KiB: through the heap and well beyond
+    std::string piece(1024, '\0');
+    for (unsigned i = 0; i < kPieces; ++i) {
+        piece.assign(1024, static_cast<char>(i % 101));
+        stream->Write(piece.data(), 1024);
+    }
+    ASSERT_EQ(stream->GetSize(), kPieces * 1024);
+    const char* data = static_cast<const char*>(block->GetData());
+    for (unsigned i = 0; i < kPieces; ++i)
+        ASSERT_TRUE(data[i * 1024] == static_cast<char>(i % 101) && data[i * 1024 + 1023] == data[i * 1024])
+            << i;
+}
+
+// Positions and sizes count as signed numbers. A stream of 2 GiB and more can only be appended to.
+TEST_F(MemoryStream, From2GiBOnSizesAreNegative) {
+    block->SetData(nullptr, 0x7FFFFFFF);
+    char bytes[2] = {};
+    EXPECT_EQ(stream->Read(bytes, 1), 1u);
+    EXPECT_EQ(stream->Seek(0, 2), 0x7FFFFFFFu);
+    EXPECT_EQ(stream->Seek(-1, 1), 0x7FFFFFFEu);
+    EXPECT_EQ(stream->Read(bytes, 2), 1u);
+
+    block->SetData(nullptr, 0x80000000);
+    stream->Write("ab", 2); // at the old end
+    EXPECT_EQ(stream->GetSize(), 0x80000001u);
+    EXPECT_EQ(stream->GetPosition(), 0x80000001u);
+    EXPECT_EQ(stream->Seek(0, 0), 0x80000001u);
+    EXPECT_EQ(stream->Seek(-5, 1), 0x80000001u);
+    EXPECT_EQ(stream->Seek(-5, 2), 0x80000001u);
+    EXPECT_EQ(stream->Read(bytes, 2), 0u);
+    EXPECT_THROW(stream->ReadByte(), CXEofException);
+    EXPECT_EQ(static_cast<const char*>(block->GetData())[0x80000000], 'b');
+}
+
+// ------------------------------------------------------------------------------------------ progress sink
+
+class Sink final : public CQZUnknownImpl<QZRFC::IProgress> {
+public:
+    explicit Sink(bool* gone = nullptr) : gone_(gone) {}
+    ~Sink() override {
+        if (gone_ != nullptr) *gone_ = true;
+    }
+    int CheckCancel() override { return ++checks == cancel_at ? -1 : 0; } // any value but 0 cancels
+
+    int checks = 0;
+    int cancel_at = 0;
+
+private:
+    bool* gone_;
+};
+
+TEST(MemoryStreamProgress, TheStreamHoldsItsSink) {
+    bool gone = false;
+    Sink* sink = new Sink(&gone);
+    IXStream* stream = new_StreamOnMemory(sink);
+    EXPECT_EQ(sink->Release(), 1u);
+    EXPECT_FALSE(gone);
+    stream->Release();
+    EXPECT_TRUE(gone);
+}
+
+struct Operation {
+    const char* name;
+    int checks; // transfers: one check after each
+    std::function<void(IXStream&)> run;
+};
+
+std::vector<Operation> operations() {
+    static const CQZVariant number(1.5), text("xy"), blob(tagQZBLOB{2, const_cast<char*>("ab")});
+    static char line[16];
+    static wchar_t wide[16];
+    static CQZVariant out;
+    return {
+        {"write", 1, [](IXStream& s) { s.Write("abc", 3); }},
+        {"nothing", 1, [](IXStream& s) { s.Write("", 0); }},
+        {"typed write", 1, [](IXStream& s) { s.WriteDouble(1); }},
+        {"text", 1, [](IXStream& s) { s.WriteString("abc"); }},
+        {"variant", 2, [](IXStream& s) { s.WriteVariant(&number); }},
+        {"text variant", 3, [](IXStream& s) { s.WriteVariant(&text); }},
+        {"read", 1, [](IXStream& s) { s.Read(line, 3); }},
+        {"typed read", 1, [](IXStream& s) { s.ReadWord(); }},
+        {"line", 4, [](IXStream& s) { s.ReadLine(line, 10); }},
+        {"wide line", 2, [](IXStream& s) { s.ReadLineW(wide, 2); }},
+        {"read variant", 3, [](IXStream& s) { s.Seek(4, 0), s.ReadVariant(&out); }},
+        {"seek", 0, [](IXStream& s) { s.Seek(1, 0), s.GetPosition(), s.GetSize(); }},
+        {"read at the end", 0, [](IXStream& s) { s.Seek(0, 2), s.Read(line, 3); }},
+    };
+}
+
+// "abc", line feed, a text variant "xy"
+const std::string kStart = test::from_hex("'abc' 0a 0a00 03000000 787900");
+
+TEST(MemoryStreamProgress, TheSinkIsAskedAfterEachTransfer) {
+    for (const Operation& operation : operations()) {
+        SCOPED_TRACE(operation.name);
+        const auto sink = CQZRef<Sink>::Adopt(new Sink);
+        const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(sink.Get()));
+        stream->Write(kStart.data(), static_cast<unsigned>(kStart.size()));
+        stream->Seek(0, 0);
+        sink->checks = 0;
+        operation.run(*stream);
+        EXPECT_EQ(sink->checks, operation.checks);
+    }
+}
+
+// Cancelled at its k-th transfer, an operation has moved what the first k transfers move, and the stream
+// works on as if it had never been asked for more.
+TEST(MemoryStreamProgress, CancellingStopsBehindTheTransfer) {
+    for (const Operation& operation : operations()) {
+        for (int k = 1; k <= operation.checks; ++k) {
+            SCOPED_TRACE(testing::Message() << operation.name << " at " << k);
+            const auto sink = CQZRef<Sink>::Adopt(new Sink);
+            const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(sink.Get()));
+            stream->Write(kStart.data(), static_cast<unsigned>(kStart.size()));
+            stream->Seek(0, 0);
+            sink->checks = 0;
+            sink->cancel_at = k;
+            try {
+                operation.run(*stream);
+                ADD_FAILURE() << "no exception";
+            } catch (const CXException& e) {
+                EXPECT_EQ(e.GetCode(), 1u);
+            }
+            EXPECT_EQ(sink->checks, k);
+            EXPECT_GE(stream->GetPosition(), operation.name == std::string("nothing") ? 0u : 1u);
+            EXPECT_LE(stream->GetPosition(), stream->GetSize());
+            stream->Seek(0, 2);
+            stream->WriteByte(1);
+            EXPECT_EQ(sink->checks, k + 1);
+        }
+    }
+}
+
+TEST(MemoryStreamProgress, ACancelledTransferHasHappened) {
+    const auto sink = CQZRef<Sink>::Adopt(new Sink);
+    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(sink.Get()));
+    sink->cancel_at = 1;
+    EXPECT_THROW(stream->Write("abc\n", 4), CXException);
+    EXPECT_EQ(stream->GetPosition(), 4u);
+    EXPECT_EQ(stream->GetSize(), 4u);
+    stream->Seek(0, 0);
+    sink->cancel_at = 2;
+    char buffer[8] = "-------";
+    EXPECT_THROW(stream->Read(buffer, 2), CXException);
+    EXPECT_STREQ(buffer, "ab-----");
+    EXPECT_EQ(stream->GetPosition(), 2u);
+    sink->cancel_at = 4;
+    EXPECT_THROW(stream->ReadLine(buffer, 6), CXException); // at the line feed
+    EXPECT_EQ(stream->GetPosition(), 4u);
+}
+
+TEST(MemoryStreamProgress, NoSinkIsNoSink) {
+    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(nullptr));
+    stream->WriteByte(1);
+    EXPECT_EQ(stream->GetSize(), 1u);
+}
+
+} // namespace
