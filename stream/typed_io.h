@@ -12,10 +12,11 @@
 #pragma once
 
 #include "qzexception.h"
+#include "string/scan.h"
+#include "variant/text.h"
 
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
 #include <limits>
 
 namespace qzr {
@@ -38,16 +39,15 @@ inline unsigned transfer_size(std::uint64_t bytes) {
     return static_cast<unsigned>(bytes);
 }
 
-inline std::uint64_t bytes_with_terminator(const char* text) { return std::uint64_t{std::strlen(text)} + 1; }
+inline std::uint64_t bytes_with_terminator(const char* text) { return std::uint64_t{text_length(text)} + 1; }
 inline std::uint64_t bytes_with_terminator(const wchar_t* text) {
-    return (std::uint64_t{std::wcslen(text)} + 1) * sizeof(wchar_t);
+    return (std::uint64_t{text_length(text)} + 1) * sizeof(wchar_t);
 }
 
 // The text and its terminator in one transfer; null is the empty text.
 template <class Char, class Io>
 void write_text(Io& io, const Char* text) {
-    static constexpr Char kEmpty[1] = {};
-    const Char* source = text != nullptr ? text : kEmpty;
+    const Char* const source = or_empty(text);
     io.Write(source, transfer_size(bytes_with_terminator(source)));
 }
 

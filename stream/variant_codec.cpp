@@ -7,7 +7,7 @@ namespace {
 // A well-formed text fills its room but for the unit that the reader adds.
 template <class Char>
 void trim(Char*& text, std::size_t room) {
-    const std::size_t units = length_of(text) + 1;
+    const std::size_t units = text_length(text) + 1;
     if (units + 1 >= room) return;
     try {
         Char* exact = duplicate_text(text);

@@ -9,7 +9,6 @@
 #include "qzref.h"
 #include "qzstream.h"
 #include "stream/typed_io.h"
-#include "variant/text.h"
 #include "variant/type_table.h"
 
 #include <algorithm>
