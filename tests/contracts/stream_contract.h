@@ -292,19 +292,26 @@ TYPED_TEST_P(StreamContract, AWideLineMayStartAnywhereAndEndInHalfACharacter) {
 
 TYPED_TEST_P(StreamContract, LongLinesComeWholeAndInPieces) {
     const std::string text = std::string(5000, 'x') + '\n';
-    this->stream->Write(text.data(), static_cast<unsigned>(text.size()));
-    std::string buffer(text.size() + 2, '#');
-    this->stream->Seek(0, 0);
-    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 5001), 5001);
-    EXPECT_EQ(buffer, text + '\0' + '#');
+    const auto narrow = this->another(text);
+    std::string line(text.size() + 2, '#');
+    EXPECT_EQ(narrow->ReadLine(line.data(), 5001), 5001);
+    EXPECT_EQ(line, text + '\0' + '#');
+    narrow->Seek(0, 0);
+    EXPECT_EQ(narrow->ReadLine(line.data(), 4000), 4001);
+    EXPECT_EQ(narrow->ReadLine(line.data(), 4000), 1001);
+    EXPECT_EQ(line[1000], '\n');
+
+    std::string units;
+    for (const char c : text)
+        units += {c, '\0'};
+    const auto wide = this->another(units);
+    wchar_t wide_line[104];
     for (int start = 4950; start <= 5000; ++start) { // the line feed at every distance
-        this->stream->Seek(start, 0);
-        EXPECT_EQ(this->stream->ReadLine(buffer.data(), 100), 5001 - start) << start;
+        narrow->Seek(start, 0);
+        EXPECT_EQ(narrow->ReadLine(line.data(), 100), 5001 - start) << start;
+        wide->Seek(start * 2, 0);
+        EXPECT_EQ(wide->ReadLineW(wide_line, 100), 5001 - start) << start;
     }
-    this->stream->Seek(0, 0);
-    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 4000), 4001);
-    EXPECT_EQ(this->stream->ReadLine(buffer.data(), 4000), 1001);
-    EXPECT_EQ(buffer[1000], '\n');
 }
 
 TYPED_TEST_P(StreamContract, LargeTransfersArriveWhole) {

@@ -174,7 +174,8 @@ TEST_F(MemoryStream, From2GiBOnSizesAreNegative) {
     EXPECT_EQ(stream->Read(bytes, 2), 1u);
 
     block->SetData(nullptr, 0x80000000);
-    stream->Write("ab", 2); // at the old end
+    EXPECT_EQ(stream->Read(bytes, 1), 0u) << "one byte before the end";
+    stream->Write("ab", 2);
     EXPECT_EQ(stream->GetSize(), 0x80000001u);
     EXPECT_EQ(stream->GetPosition(), 0x80000001u);
     EXPECT_EQ(stream->Seek(0, 0), 0x80000001u);
@@ -183,6 +184,12 @@ TEST_F(MemoryStream, From2GiBOnSizesAreNegative) {
     EXPECT_EQ(stream->Read(bytes, 2), 0u);
     EXPECT_THROW(stream->ReadByte(), CXEofException);
     EXPECT_EQ(static_cast<const char*>(block->GetData())[0x80000000], 'b');
+
+    block->SetData("abc", 3);
+    EXPECT_EQ(stream->Read(bytes, 2), 0u)
+        << "a position of 2 GiB is no less beyond the end for being negative";
+    EXPECT_EQ(stream->Seek(0, 1), 0u);
+    EXPECT_EQ(stream->Read(bytes, 2), 2u);
 }
 
 // ------------------------------------------------------------------------------------------ progress sink
