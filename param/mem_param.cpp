@@ -1,6 +1,7 @@
 #include "param/mem_param.h"
 
 #include "core/allocator.h"
+#include "variant/record.h"
 
 #include <utility>
 
@@ -15,7 +16,10 @@ NameList& wanted(CQZRef<NameList>& list) {
     return *list;
 }
 
-CTEnum<const char*>* enumerate(NameList& list) { return list.enumerate(); }
+// An object that throws while it is released does not keep the others from being released.
+void drop(tagQZVARIANT& value) {
+    if (owns_something(value)) CQZVariant().Attach(value);
+}
 
 } // namespace
 
@@ -144,7 +148,7 @@ void CMemParam::DeleteAllSubParams() {
     destroy(dying);
 }
 
-CTEnum<const char*>* CMemParam::EnumSubParams() { return enumerate(wanted<ChildEntry>(children_)); }
+CTEnum<const char*>* CMemParam::EnumSubParams() { return wanted<ChildEntry>(children_).enumerate(); }
 
 // --- values
 // ----------------------------------------------------------------------------------------------------
@@ -164,9 +168,7 @@ int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
     if (part.empty()) part = whole_name(value_name(nullptr));
     const ValueEntry* const entry = node->find_value(part.hash);
     if (entry == nullptr) return 0;
-    CQZVariant copy(entry->value); // before clearing out, which may be an object's last reference
-    QZVariantClear(out);
-    *out = copy.Detach();
+    QZVariantCopy(out, &entry->value);
     return 1;
 }
 
@@ -192,12 +194,10 @@ void CMemParam::SetValue(const char* name, const tagQZVARIANT* value) {
 }
 
 void CMemParam::store(const PathPart& name, const tagQZVARIANT& value) {
-    CQZVariant copy(value);
+    CQZVariant copy(value); // made first: afterwards nothing is left half done
     ValueEntry* entry = find_value(name.hash);
     if (entry == nullptr) entry = wanted<ValueEntry>(values_).append<ValueEntry>(name.text(), name.hash);
-    CQZVariant old; // cleared last: its object may call back
-    old.Attach(entry->value);
-    entry->value = copy.Detach();
+    replace_value(entry->value, copy.Detach());
 }
 
 void CMemParam::DeleteValue(const char* name) {
@@ -206,7 +206,7 @@ void CMemParam::DeleteValue(const char* name) {
     if (entry == nullptr) return;
     const CQZRef<NameList> list = values_;
     NameEntry* const leaving = list->remove(entry, part.begin);
-    CQZVariant old;
+    CQZVariant old; // goes last: its object may call back
     old.Attach(entry->value);
     list->discard(leaving);
 }
@@ -216,12 +216,12 @@ void CMemParam::DeleteAllValues() {
     const CQZRef<NameList> list = values_;
     for (NameEntry* entry = list->take_all(); entry != nullptr;) {
         NameEntry* const left = std::exchange(entry, entry->following());
-        QZVariantClear(&static_cast<ValueEntry*>(left)->value);
+        drop(static_cast<ValueEntry*>(left)->value);
         list->discard(left);
     }
 }
 
-CTEnum<const char*>* CMemParam::EnumValues() { return enumerate(wanted<ValueEntry>(values_)); }
+CTEnum<const char*>* CMemParam::EnumValues() { return wanted<ValueEntry>(values_).enumerate(); }
 
 void CMemParam::Clear() {
     DeleteAllValues();

@@ -107,14 +107,6 @@ void NameList::add_to_index(NameEntry* entry) {
     }
 }
 
-NameEntry* NameList::find(unsigned hash) const noexcept {
-    if (index_.active()) return static_cast<NameEntry*>(index_.find(hash));
-    NameEntry* entry = first_;
-    while (entry != nullptr && (entry->hash != hash || entry->orphan))
-        entry = entry->following();
-    return entry;
-}
-
 NameEntry* NameList::remove(NameEntry* found, const char* given) {
     // An orphan of this spelling is older than the entry found, so it is the first in the list.
     NameEntry* leaving = remove_orphan(given);

@@ -32,7 +32,13 @@ public:
     void AddRef() noexcept { ++references_; }
     void Release() noexcept;
 
-    NameEntry* find(unsigned hash) const noexcept;
+    NameEntry* find(unsigned hash) const noexcept {
+        if (index_.active()) return static_cast<NameEntry*>(index_.find(hash));
+        NameEntry* entry = first_;
+        while (entry != nullptr && (entry->hash != hash || entry->orphan))
+            entry = entry->following();
+        return entry;
+    }
     const char* text(const NameEntry* entry) const noexcept {
         return reinterpret_cast<const char*>(entry) + entry_size_;
     }
