@@ -46,7 +46,7 @@ public:
     // Throws CXMemException, and nothing is changed then.
     void insert(HashLink* link, Rank rank) {
         if (size_ + 1 > capacity_ - capacity_ / 8) reserve(capacity_ + capacity_ / 2);
-        place(link, rank);
+        place(key_of(link->hash), link, rank);
     }
 
     // The link must be in the index.
@@ -69,7 +69,7 @@ public:
         while (i < capacity_ && keys_[i] != kEmpty)
             ++i;
         for (unsigned n = 0; n < capacity_; ++n, i = after(i))
-            if (keys_[i] != kEmpty) larger.place(links_[i], Rank::oldest);
+            if (keys_[i] != kEmpty) larger.place(keys_[i], links_[i], Rank::oldest);
         swap(larger);
     }
 
@@ -86,11 +86,13 @@ private:
 
     unsigned after(unsigned slot) const noexcept { return slot + 1 < capacity_ ? slot + 1 : 0; }
 
-    void place(HashLink* link, Rank rank) noexcept {
-        unsigned i = home(key_of(link->hash));
+    // Looks at no node whose key differs: they lie all over the memory.
+    void place(unsigned key, HashLink* link, Rank rank) noexcept {
+        unsigned i = home(key);
         for (; keys_[i] != kEmpty; i = after(i))
-            if (rank == Rank::newest && links_[i]->hash == link->hash) std::swap(links_[i], link);
-        keys_[i] = key_of(link->hash);
+            if (rank == Rank::newest && keys_[i] == key && links_[i]->hash == link->hash)
+                std::swap(links_[i], link);
+        keys_[i] = key;
         links_[i] = link;
         ++size_;
     }
