@@ -43,7 +43,7 @@ int ObjectRegistry::add(const char* name, const char* dllpath) {
         entry->path = find_module_file(dllpath);
         entry->export_name = CXString(name);
         entries_.insert(entry.get(), hash);
-        entry.release();
+        static_cast<void>(entry.release());
     } catch (const CXString&) {
         return 0; // nobody is told the text
     }
@@ -59,7 +59,7 @@ int ObjectRegistry::add(const char* name, HINSTANCE module) {
     entry->module = module;
     entry->factory = factory;
     entries_.insert(entry.get(), hash);
-    entry.release();
+    static_cast<void>(entry.release());
     return 1;
 }
 

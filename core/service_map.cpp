@@ -37,7 +37,7 @@ bool ServiceMap::holds(unsigned hash, const IQZUnknown* object) const noexcept {
 void ServiceMap::add(const char* name, IQZUnknown* object) {
     BlockPtr<Service> service(block_new<Service>(text_of(name), object));
     services_.insert(service.get(), hash_name(service->name));
-    service.release();
+    static_cast<void>(service.release());
 }
 
 CQZRef<IQZUnknown> ServiceMap::take(Service* service) noexcept {
