@@ -1,0 +1,88 @@
+// A plug-in as applications write them: one persistable class with its factory, registered as long as the
+// plug-in is loaded.
+#include "qzexception.h"
+#include "qzobject.h"
+#include "qzstream.h"
+#include "qzunknown.h"
+
+#include <windows.h>
+#undef GetClassName
+
+#define PLUGIN_EXPORT extern "C" __declspec(dllexport)
+
+namespace {
+
+HINSTANCE this_module() {
+    HMODULE module = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<const char*>(&this_module), &module);
+    return module;
+}
+
+int live_objects = 0;
+
+// A pair of numbers that saves itself.
+class SamplePluginPair : public CQZUnknownImpl<IPersistXStream> {
+public:
+    SamplePluginPair() { ++live_objects; }
+    ~SamplePluginPair() override { --live_objects; }
+
+    const char* GetClassName() override { return "SamplePluginPair"; }
+    unsigned GetSizeMax() override { return 12; }
+    int Load(IXStream* stream) override {
+        first_ = stream->ReadDWord();
+        second_ = stream->ReadDouble();
+        return 1;
+    }
+    int Save(IXStream* stream) override {
+        stream->WriteDWord(first_);
+        stream->WriteDouble(second_);
+        return 1;
+    }
+    int InternalQueryInterface(const std::type_info& iid, IQZUnknown** out) override {
+        if (iid == typeid(IPersistX)) return AnswerQuery(this, out);
+        return CQZUnknownImpl::InternalQueryInterface(iid, out);
+    }
+
+private:
+    unsigned first_ = 7;
+    double second_ = 0.5;
+};
+
+CQZObjectRegistrar registrar("SamplePluginPair", this_module());
+
+} // namespace
+
+PLUGIN_EXPORT int SamplePluginPair(IQZUnknown* outer, const std::type_info& iid, IQZUnknown** out) {
+    if (outer != nullptr) return 0;
+    auto* const made = new class SamplePluginPair;
+    const int found = made->QueryInterface(iid, out);
+    made->Release();
+    return found;
+}
+
+PLUGIN_EXPORT int plugin_live_objects() { return live_objects; }
+
+// The plug-in's own notion of interfaces.
+PLUGIN_EXPORT const std::type_info* plugin_id_of_unknown() { return &typeid(IQZUnknown); }
+PLUGIN_EXPORT const std::type_info* plugin_id_of_stream() { return &typeid(IXStream); }
+
+// The type of an exception as the plug-in sees it while it passes through.
+PLUGIN_EXPORT int plugin_catches_memory_exception(void (*thrower)()) {
+    try {
+        thrower();
+    } catch (const CXMemException&) {
+        return 1;
+    } catch (...) {
+        return 0;
+    }
+    return -1;
+}
+
+PLUGIN_EXPORT void plugin_rethrows(void (*thrower)()) {
+    try {
+        thrower();
+    } catch (const CXException&) {
+        throw;
+    }
+}

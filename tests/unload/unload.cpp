@@ -1,0 +1,167 @@
+// A program that does not need the library to start: it loads and unloads modules again and again and looks
+// for what stays behind.
+//
+//   unload MODULE [moved | plugin | late]
+//
+// moved   the module must lie elsewhere than its file prefers
+// plugin  the module is a plug-in, which brings the library along
+// late    the module is called when the process ends, after the library; what it says is the program's output
+#include "qzobject.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kRounds = 20;
+
+void require(bool ok, const char* what) {
+    if (ok) return;
+    std::printf("failed: %s (last error %lu)\n", what, GetLastError());
+    std::fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), 1);
+}
+
+template <class Function>
+Function* export_of(HMODULE module, const char* name) {
+    auto* const address = reinterpret_cast<void*>(GetProcAddress(module, name));
+    require(address != nullptr, name);
+    return reinterpret_cast<Function*>(address);
+}
+
+using Create = int(const char*, IQZUnknown*, const std::type_info&, IQZUnknown**);
+
+// A container holding itself twice over would never go: the library's own objects are used and given back.
+void use_library(HMODULE library) {
+    auto* const create = export_of<Create>(library, "CreateObjectC");
+    IQZUnknown* first = nullptr;
+    IQZUnknown* second = nullptr;
+    require(create("CLSID_OFSERVICECONTAINER", nullptr, typeid(IQZServiceContainer), &first) == 1,
+            "a container");
+    require(create("CLSID_OFSERVICECONTAINER", nullptr, typeid(IQZUnknown), &second) == 1, "another one");
+    auto* const container = static_cast<IQZServiceContainer*>(first);
+    char name[] = "service a";
+    for (; name[8] <= 'z'; ++name[8])
+        require(container->AddService(name, second) == 1, "a service");
+    require(second->Release() == 26, "the services are counted");
+    require(container->Release() == 0, "the container goes");
+    require(create("nobody", nullptr, typeid(IQZUnknown), &first) == 0, "unknown names are refused");
+}
+
+void use_plugin(HMODULE) {
+    const HMODULE library = GetModuleHandleA("qzrcore.dll");
+    require(library != nullptr, "the plug-in brings the library");
+    IQZUnknown* pair = nullptr;
+    auto* const create = export_of<Create>(library, "CreateObjectC");
+    require(create("SamplePluginPair", nullptr, typeid(IPersistXStream), &pair) == 1,
+            "an object of the plug-in");
+    require(pair->Release() == 0, "the object goes");
+}
+
+// The system's own count answers 0 under Wine.
+unsigned open_handles() {
+    unsigned count = 0;
+    for (unsigned long long value = 4; value < 0x4000; value += 4) {
+        DWORD flags = 0;
+        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
+    }
+    return count;
+}
+
+struct Traces {
+    unsigned handles;
+    DWORD heaps;
+};
+
+Traces traces() {
+    std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr) + 8);
+    heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
+    for (const HANDLE heap : heaps)
+        require(HeapValidate(heap, 0, nullptr) != 0, "the heaps are sound");
+    Traces found = {};
+    found.handles = open_handles();
+    found.heaps = static_cast<DWORD>(heaps.size());
+    return found;
+}
+
+void load_and_unload(const char* path, void (*use)(HMODULE)) {
+    const HMODULE module = LoadLibraryA(path);
+    require(module != nullptr, "the module loads");
+    use(module);
+    require(FreeLibrary(module) != 0, "the module unloads");
+    require(GetModuleHandleA("qzrcore.dll") == nullptr, "the library is gone");
+}
+
+void repeat(const char* path, void (*use)(HMODULE)) {
+    load_and_unload(path, use); // what the system sets up once
+    load_and_unload(path, use);
+    const Traces before = traces();
+    for (int round = 0; round < kRounds; ++round)
+        load_and_unload(path, use);
+    const Traces after = traces();
+    std::printf("handles %u, %u; heaps %lu, %lu\n", before.handles, after.handles, before.heaps, after.heaps);
+    require(before.handles != 0, "handles are counted");
+    require(after.handles <= before.handles, "no handle stays behind");
+    require(after.heaps <= before.heaps, "no heap stays behind");
+}
+
+// The base address that the file asks for; the loaded image may have been told another one.
+unsigned long long preferred_base(const char* path) {
+    char found[MAX_PATH];
+    require(SearchPathA(nullptr, path, nullptr, sizeof found, found, nullptr) != 0, "the file is found");
+    std::ifstream file(found, std::ios::binary);
+    std::string bytes(4096, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    IMAGE_DOS_HEADER dos;
+    IMAGE_NT_HEADERS64 nt;
+    std::memcpy(&dos, bytes.data(), sizeof dos);
+    require(dos.e_lfanew > 0 && dos.e_lfanew + sizeof nt <= bytes.size(), "the file is an image");
+    std::memcpy(&nt, bytes.data() + dos.e_lfanew, sizeof nt);
+    return nt.OptionalHeader.ImageBase;
+}
+
+void require_moved(const char* path) {
+    const HMODULE module = LoadLibraryA(path);
+    require(module != nullptr, "the module loads");
+    const unsigned long long preferred = preferred_base(path);
+    std::printf("prefers %llx, lies at %p\n", preferred, static_cast<void*>(module));
+    require(reinterpret_cast<unsigned long long>(module) != preferred, "the module was moved");
+    FreeLibrary(module);
+}
+
+// The module comes first, so it goes last.
+void call_late(const char* path) {
+    const HMODULE late = LoadLibraryA(path);
+    require(late != nullptr, "the module loads");
+    require(GetModuleHandleA("qzrcore.dll") == nullptr, "without the library");
+    const HMODULE library = LoadLibraryA("qzrcore.dll");
+    require(library != nullptr, "the library loads");
+    use_library(library);
+    using Named = int(const char*);
+    export_of<void(Named*, Named*)>(late,
+                                    "plugin_call_late")(export_of<Named>(library, "_Z16UnregisterObjectPKc"),
+                                                        export_of<Named>(library, "_Z16IsRegisterObjectPKc"));
+    std::puts("ends");
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    require(argc >= 2, "usage: unload MODULE [moved | plugin | late]");
+    const std::string mode = argc > 2 ? argv[2] : "";
+    if (mode == "late") {
+        call_late(argv[1]);
+        return 0;
+    }
+    if (mode == "moved") require_moved(argv[1]);
+    repeat(argv[1], mode == "plugin" ? use_plugin : use_library);
+    std::puts("nothing stayed behind");
+    return 0;
+}
