@@ -2,8 +2,9 @@
 /// Parameter trees: named, typed values in nested sections.
 ///
 /// **Names** are narrow text, matched by a 32-bit hash over the ASCII-lower-cased bytes (h = h * 257 + signed
-/// byte) and by nothing else: case does not matter, and two names of one hash are one entry. Names such as
-/// "value000123" collide from five varying digits on; vary letters instead, or nest.
+/// byte) and by nothing else: case does not matter, and two names of one hash are one entry. Names of one
+/// length that differ in up to four adjacent ASCII characters never collide; from five varying characters on
+/// ("value00123") some do: nest rather than number.
 ///
 /// **Paths.** In a name given to CreateSubParam, OpenSubParam, GetValue and SetValue the character "\"
 /// separates levels. The other operations take a name in this node only.
@@ -83,7 +84,7 @@ QZR_API int LoadParamFromXStream(IXStream* stream, IParam* param);
 
 /// Tells whether b holds everything that a holds: every value, equal, and every child, by the same rule. What
 /// only b has does not matter: trees are equal when it holds both ways.
-/// @return 1 or 0; 0 when either is null
+/// @return 1 or 0; 0 when either is null. Throws CXIFaceException when a node of a gives no enumerator.
 QZR_API int Param_Cmp(IParam* a, IParam* b);
 
 /// Copies src's children and values into dst, over what is there; nothing of dst is removed. dst may lie

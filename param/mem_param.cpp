@@ -23,8 +23,7 @@ void drop(tagQZVARIANT& value) {
 
 } // namespace
 
-// --- life
-// ------------------------------------------------------------------------------------------------------
+// --- life ----------------------------------------------------------------------------------------------
 
 CMemParam* CMemParam::make() noexcept {
     try {
@@ -73,8 +72,7 @@ void CMemParam::release_children(CMemParam*& dying) noexcept {
     }
 }
 
-// --- children
-// --------------------------------------------------------------------------------------------------
+// --- children ------------------------------------------------------------------------------------------
 
 CMemParam::ChildEntry* CMemParam::find_child(unsigned hash) const noexcept {
     return children_ ? static_cast<ChildEntry*>(children_->find(hash)) : nullptr;
@@ -150,8 +148,7 @@ void CMemParam::DeleteAllSubParams() {
 
 CTEnum<const char*>* CMemParam::EnumSubParams() { return wanted<ChildEntry>(children_).enumerate(); }
 
-// --- values
-// ----------------------------------------------------------------------------------------------------
+// --- values --------------------------------------------------------------------------------------------
 
 CMemParam::ValueEntry* CMemParam::find_value(unsigned hash) const noexcept {
     return values_ ? static_cast<ValueEntry*>(values_->find(hash)) : nullptr;

@@ -75,7 +75,8 @@ public:
 private:
     class Walk;
 
-    // Up to here a search runs along the list; the index would cost more than it saves.
+    // Up to here a search runs along the list, from there on it asks the index. Most nodes stay this small
+    // and pay for neither buckets nor index.
     static constexpr unsigned kMostScanned = 8;
 
     explicit NameList(unsigned entry_size) : entry_size_(entry_size) {}
