@@ -2,7 +2,7 @@
 // reading ends, throws nothing but the library's exceptions, writes only where it may and leaks no object;
 // and the block-wise path of a memory stream does the same as the one that transfers character by character.
 //
-//     fuzz_stream_fuzz [INPUTS [FIRST]]      the inputs FIRST to FIRST + INPUTS - 1, always the same ones
+//     fuzz_stream [INPUTS [FIRST]]      the inputs FIRST to FIRST + INPUTS - 1, always the same ones
 #include "contracts/persistent_note.h"
 #include "qzexception.h"
 #include "qzref.h"
