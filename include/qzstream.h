@@ -97,7 +97,9 @@ protected:
 
 } // namespace QZRFC
 
-/// @return a new, empty stream in memory with one reference for the caller; null when there is no memory
+/// Makes a stream in memory. Its positions and sizes count as signed numbers: from 2 GiB on every Seek ends
+/// at the end and nothing is read, so that it can only be appended to.
+/// @return a new, empty stream with one reference for the caller; null when there is no memory
 QZR_API IXStream* new_StreamOnMemory();
 
 /// The same with a progress sink, asked after every transfer. @param progress gets a reference; may be null
