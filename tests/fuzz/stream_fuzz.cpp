@@ -27,7 +27,7 @@ extern "C" __declspec(dllexport) int TestNote(IQZUnknown*, const std::type_info&
 
 namespace {
 
-constexpr unsigned kInputs = 400'000;
+constexpr unsigned kInputs = 250'000;
 constexpr unsigned kHeapCheckEvery = 10'000;
 
 unsigned current_input; // for the message of a crash
