@@ -55,4 +55,12 @@ struct KernelTraits {
 };
 using KernelHandle = WinHandle<KernelTraits>;
 
+// Files, for which the platform has an invalid value of its own.
+struct FileTraits {
+    using Handle = HANDLE;
+    static inline const Handle kInvalid = INVALID_HANDLE_VALUE;
+    static void close(Handle file) noexcept { CloseHandle(file); }
+};
+using FileHandle = WinHandle<FileTraits>;
+
 } // namespace qzr

@@ -1,0 +1,118 @@
+// Large and deep trees in both forms: time and stack must not grow faster than the data.
+#include "forms.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace {
+
+using namespace forms;
+using namespace std::string_literals;
+
+// Four characters: no two of these names share a hash.
+std::string name_of(int i) {
+    constexpr std::string_view kCharacters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::string name(4, 'a');
+    for (char& c : name) {
+        c = kCharacters[static_cast<std::size_t>(i) % kCharacters.size()];
+        i /= static_cast<int>(kCharacters.size());
+    }
+    return name;
+}
+
+std::string int_records(int count) {
+    std::string bytes(1, '\0');
+    for (int i = 0; i < count; ++i) {
+        bytes += name_of(i) + "\0\5\0"s;
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes += static_cast<char>(i >> shift & 0xFF);
+    }
+    return bytes + "\0"s;
+}
+
+std::string int_statements(int count) {
+    std::string text = "[\\]|";
+    for (int i = 0; i < count; ++i)
+        text += name_of(i) + "=i" + std::to_string(i) + "|";
+    return text;
+}
+
+// Seconds of the fastest of three runs.
+template <class Action>
+double seconds(Action action) {
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        action();
+        best =
+            std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    return best;
+}
+
+// A thread's stack is 2 MiB here at most; one frame a level would pass it early.
+TEST(FormScale, TakesHalfAMillionLevelsOfABinaryForm) {
+    constexpr int kLevels = 500000;
+    std::string bytes;
+    for (int i = 0; i < kLevels; ++i)
+        bytes += "n\0"s;
+    bytes += std::string(2 * kLevels + 2, '\0');
+    const Tree tree = tree_of_bytes(bytes);
+    EXPECT_EQ(bytes_of(*tree), bytes);
+    const Tree cut = tree_of_bytes(std::string_view(bytes).substr(0, 2 * kLevels));
+    EXPECT_EQ(bytes_of(*cut), bytes);
+}
+
+TEST(FormScale, TakesAMillionValues) {
+    constexpr int kValues = 1000000;
+    const std::string bytes = int_records(kValues);
+    const std::string text = int_statements(kValues);
+    const Tree tree = tree_of_bytes(bytes);
+    EXPECT_TRUE(bytes_of(*tree) == bytes);
+    EXPECT_TRUE(text_of(*tree) == text);
+    EXPECT_TRUE(bytes_of(*tree_from(text)) == bytes);
+}
+
+TEST(FormScale, TakesAHundredThousandSections) {
+    std::string text = "[\\]|";
+    for (int i = 0; i < 100000; ++i)
+        text += "[\\" + name_of(i) + "]|";
+    EXPECT_TRUE(text_of(*tree_from(text)) == text);
+}
+
+TEST(FormScale, TakesDeepSections) {
+    std::string path;
+    std::string text = "[\\]|";
+    for (int i = 0; i < 3000; ++i) {
+        path += "\\n";
+        text += "[" + path + "]|";
+    }
+    EXPECT_TRUE(text_of(*tree_from(text)) == text);
+}
+
+// Costs that grow with the square would show as a factor of twenty-five. The best of a few runs is compared,
+// since other programs take their share of the machine. Both sizes are beyond a megabyte, where memory is new
+// to the process each time.
+TEST(FormScale, TakesTimeInProportion) {
+    const auto best = [](auto action) {
+        double least = seconds(action);
+        for (int i = 0; i < 2; ++i)
+            least = std::min(least, seconds(action));
+        return least;
+    };
+    const std::string small = int_statements(60000);
+    const std::string large = int_statements(300000);
+    const Tree small_tree = tree_from(small);
+    const Tree large_tree = tree_from(large);
+    const std::string small_bytes = bytes_of(*small_tree);
+    const std::string large_bytes = bytes_of(*large_tree);
+    const double kMost = 15;
+    EXPECT_LT(best([&] { tree_from(large); }), kMost * best([&] { tree_from(small); }));
+    EXPECT_LT(best([&] { text_of(*large_tree); }), kMost * best([&] { text_of(*small_tree); }));
+    EXPECT_LT(best([&] { tree_of_bytes(large_bytes); }), kMost * best([&] { tree_of_bytes(small_bytes); }));
+    EXPECT_LT(best([&] { bytes_of(*large_tree); }), kMost * best([&] { bytes_of(*small_tree); }));
+}
+
+} // namespace

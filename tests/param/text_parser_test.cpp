@@ -1,0 +1,187 @@
+// Reading the text form: lines, statements, sections and names.
+#include "forms.h"
+
+#include "param/foreign_param.h"
+#include "support/param_outline.h"
+
+#include "qzexception.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <clocale>
+
+namespace {
+
+using namespace forms;
+
+struct Row {
+    const char* text;
+    const char* tree; // as Param_Param2String shows it
+};
+
+void expect_trees(std::initializer_list<Row> rows) {
+    for (const Row& row : rows)
+        EXPECT_EQ(text_of(*tree_from(row.text)), row.tree) << row.text;
+}
+
+TEST(TextParser, IgnoresValuesBeforeTheFirstSection) {
+    expect_trees(
+        {{"", "[\\]|"}, {"a|b=i1", "[\\]|"}, {"a=i1|[\\]|b=i2", "[\\]|b=i2|"}, {"a|[s]", "[\\]|[\\s]|"}});
+}
+
+TEST(TextParser, TakesBarsAndLineFeedsAsSeparators) {
+    expect_trees({
+        {"[\\]|a=i1|b=i2", "[\\]|a=i1|b=i2|"},
+        {"[\\]\na=i1\nb=i2\n", "[\\]|a=i1|b=i2|"},
+        {"[\\]\r\na=i1\r\nb=i2", "[\\]|a=i1|b=i2|"},
+        {"\r\n[\\]\t\t| a=i1\t| b=i2", "[\\]|a=i1|b=i2|"},
+        {" || [\\] | |a=i1||\n\n||  b=i2 | ", "[\\]|a=i1|b=i2|"},
+        {"[\\]|a=sx\ry", "[\\]|a=sx\ry|"},
+    });
+}
+
+TEST(TextParser, SkipsCommentsToTheEndOfTheLine) {
+    expect_trees({
+        {"; a\n[\\]|a=i1", "[\\]|a=i1|"},
+        {"[\\]|a=i1|;b=i2|c=i3\nd=i4", "[\\]|a=i1|d=i4|"},
+        {"[\\]|  ; b=i2\nd=i4", "[\\]|d=i4|"},
+        {"[\\]|a=s;no comment|b=i1", "[\\]|a=s;no comment|b=i1|"},
+        {"[\\]|a;b=i1", "[\\]|a;b=i1|"},
+        {";[\\]|a=i1", "[\\]|"},
+    });
+}
+
+TEST(TextParser, OpensSections) {
+    expect_trees({
+        {"[\\]", "[\\]|"},
+        {"[]", "[\\]|"},
+        {"[", "[\\]|"},
+        {"[\\s]|a=i1", "[\\]|[\\s]|a=i1|"},
+        {"[s]|a=i1", "[\\]|[\\s]|a=i1|"},
+        {"[\\s|a=i1", "[\\]|[\\s]|a=i1|"},
+        {"[\\s\\t]|a=i1|[\\s]|b=i2|[\\]|c=i3", "[\\]|c=i3|[\\s]|b=i2|[\\s\\t]|a=i1|"},
+        {"[\\\\s\\\\t\\]|a=i1", "[\\]|[\\s]|[\\s\\t]|a=i1|"},
+        {"[\\S]|a=i1|[\\s]|b=i2", "[\\]|[\\S]|a=i1|b=i2|"},
+        {"[\\a b\\c=d]|e=i1", "[\\]|[\\a b]|[\\a b\\c=d]|e=i1|"},
+        {"[\\s]]|a=i1", "[\\]|[\\s]]|a=i1|"},
+        {"[\\s] x|a=i1", "[\\]|[\\s] x]|a=i1|"},
+    });
+}
+
+TEST(TextParser, TakesNamesAndValuesApart) {
+    expect_trees({
+        {"[\\]|a=i1", "[\\]|a=i1|"},
+        {"[\\]|a b \t=  i1", "[\\]|a b=i1|"},
+        {"[\\]|a=sb=c", "[\\]|a=sb=c|"},
+        {"[\\]|=i1", "[\\]|@=i1|"},
+        {"[\\]|a=", "[\\]|"},
+        {"[\\]|a=q", "[\\]|"},
+        {"[\\]|a=i", "[\\]|"},
+        {"[\\]|a", "[\\]|a=i0|"},
+        {"[\\]|a name of words", "[\\]|a name of words=i0|"},
+        {"[\\]|a=i1|A=i2|a", "[\\]|a=i0|"},
+        {"[\\]|a=i1|a=ix|a=w99999", "[\\]|a=i1|"}, // a refused value leaves the one that is there
+        {"[\\]|s\\v=i1", "[\\]|[\\s]|v=i1|"},      // a name is a path to the tree
+    });
+}
+
+TEST(TextParser, IgnoresOtherDirectives) {
+    expect_trees({{"[\\]|#define a|b=i1", "[\\]|b=i1|"},
+                  {"[\\]|#|#includes x|#include|#include \"\"|b=i1", "[\\]|b=i1|"}});
+}
+
+TEST(TextParser, AddsToWhatIsThere) {
+    const Tree tree = tree_from("[\\]|a=i1|b=i2|[\\s]|c=i3");
+    CXString more("[\\]|b=i4|[\\s]|d=i5");
+    EXPECT_EQ(Param_String2Param(more, tree.Get()), 1);
+    EXPECT_EQ(text_of(*tree), "[\\]|a=i1|b=i4|[\\s]|c=i3|d=i5|");
+    CXString nothing;
+    EXPECT_EQ(Param_String2Param(nothing, tree.Get()), 1);
+    EXPECT_EQ(text_of(*tree), "[\\]|a=i1|b=i4|[\\s]|c=i3|d=i5|");
+}
+
+// In code page 932 these bytes are second bytes of characters; elsewhere they separate.
+TEST(TextParser, KeepsDoubleByteCharactersWhole) {
+    const bool japanese = GetACP() == 932;
+    const struct {
+        const char* text;
+        const char* whole;
+        const char* bytewise;
+    } rows[] = {
+        {"[\\]|a=s\x81\x7C"
+         "b=i1",
+         "[\\]|a=s\x81\x7C"
+         "b=i1|",
+         "[\\]|a=s\x81|b=i1|"},
+        {"[\\\x83\x5C"
+         "a]|v=i1",
+         "[\\]|[\\\x83\x5C"
+         "a]|v=i1|",
+         "[\\]|[\\\x83]|[\\\x83\\a]|v=i1|"},
+        {"[\\\x83\x5D|v=i1", "[\\]|[\\\x83\x5D]|v=i1|", "[\\]|[\\\x83]|v=i1|"},
+        {"[\\\x83\x5D]|v=i1", "[\\]|[\\\x83\x5D]|v=i1|", "[\\]|[\\\x83\x5D]|v=i1|"},
+        {"[\\]|a=i10\x83\x58", "[\\]|a=i10|", "[\\]|a=i16|"}, // an "X" that is none
+        {"[\\]|a=s\x81\nb=i1", "[\\]|a=s\x81|b=i1|", "[\\]|a=s\x81|b=i1|"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(text_of(*tree_from(row.text)), japanese ? row.whole : row.bytewise) << row.text;
+}
+
+TEST(TextParser, LeavesTheLocaleOfTheProcessAlone) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    tree_from("[\\]|a=R1.5|b=T1,2,3,4");
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+}
+
+TEST(TextParser, ReadsLongNamesAndValues) {
+    const std::string name(70000, 'n');
+    const std::string value(300000, 'v');
+    const Tree tree = tree_from("[\\" + name + "]|" + name + "=s" + value + "|last=i1");
+    const Tree section = Tree::Adopt(tree->OpenSubParam(name.c_str(), 0));
+    ASSERT_TRUE(section);
+    EXPECT_EQ(value_in(*section, name.c_str()), "text '" + value + "'");
+    EXPECT_EQ(value_in(*section, "last"), "int 1");
+}
+
+TEST(TextParser, ReadsASectionOfManyValuesOnOneLine) {
+    std::string text = "\r\n[\\]\t";
+    std::string expected = "[\\]|";
+    for (int i = 0; i < 20000; ++i) {
+        const std::string name = {char('a' + i % 26), char('a' + i / 26 % 26), char('a' + i / 676 % 26),
+                                  char('a' + i / 17576)};
+        text += "\t| " + name + "=i" + std::to_string(i);
+        expected += name + "=i" + std::to_string(i) + "|";
+    }
+    EXPECT_EQ(text_of(*tree_from(text)), expected);
+}
+
+// What a tree throws passes; what was stored until then is kept, and everything that was held is released.
+TEST(TextParser, ReleasesWhatItHoldsWhenATreeThrows) {
+    int result = 0;
+    int calls = 0;
+    while (result == 0) {
+        ForeignTree tree;
+        tree.calls_left = ++calls;
+        CXString text("[\\]|a=sx|[\\b\\c]|d=x00|e=i1|f");
+        try {
+            result = Param_String2Param(text, tree.root().Get());
+        } catch (const CXException& e) {
+            EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
+        }
+        EXPECT_EQ(tree.held, 0) << "after call " << calls;
+        EXPECT_EQ(tree.top.values.size(), calls > 1 ? 1U : 0U);
+    }
+    EXPECT_GT(calls, 6);
+}
+
+TEST(TextParser, SkipsTheValuesOfASectionThatTheTreeRefuses) {
+    ForeignTree tree;
+    tree.creates = false;
+    CXString text("[\\]|a=i1|[\\s\\t]|b=i2|[\\]|c=i3");
+    EXPECT_EQ(Param_String2Param(text, tree.root().Get()), 1);
+    EXPECT_EQ(text_of(*tree.root()), "[\\]|a=i1|c=i3|");
+}
+
+} // namespace
