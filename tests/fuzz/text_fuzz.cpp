@@ -108,5 +108,5 @@ bool run(const std::string& input) {
 } // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 20071), 300000, run);
+    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 20071), 200000, run);
 }

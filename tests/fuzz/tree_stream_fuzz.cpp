@@ -127,5 +127,5 @@ bool run(const std::string& input) {
 } // namespace
 
 int main(int argc, char** argv) {
-    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 40099), 300000, run);
+    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 40099), 200000, run);
 }
