@@ -1,0 +1,72 @@
+// Objects of the client in the library's hands.
+#include "abi/client_objects.h"
+#include "qzcore.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+TEST(ClientObject, AStreamOfTheClientServesTheLibrary) {
+    const auto stream = CQZRef<ClientStream>::Adopt(new ClientStream);
+    const auto tree = CQZRef<IParam>::Adopt(new_MemParam());
+    const CQZVariant five(5), six(6);
+    tree->SetValue("value", &five);
+    tree->SetValue("child\\value", &six);
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 1);
+    static const unsigned char golden[] = "child\0"
+                                          "\0"
+                                          "value\0\x05\0\x06\0\0\0"
+                                          "\0"
+                                          "\0"
+                                          "value\0\x05\0\x05\0\0\0";
+    ASSERT_EQ(stream->bytes.size(), sizeof golden);
+    EXPECT_EQ(std::memcmp(stream->bytes.data(), golden, sizeof golden), 0);
+
+    stream->position = 0;
+    const auto back = CQZRef<IParam>::Adopt(new_MemParam());
+    EXPECT_EQ(LoadParamFromXStream(stream.Get(), back.Get()), 1);
+    EXPECT_EQ(Param_Cmp(tree.Get(), back.Get()), 1);
+    EXPECT_EQ(Param_Cmp(back.Get(), tree.Get()), 1);
+
+    stream->refuse_writing = true; // its exception is understood
+    EXPECT_EQ(SaveParamToXStream(stream.Get(), tree.Get()), 0);
+    EXPECT_THROW(WriteObjectToXStream(stream.Get(), nullptr), CXFileException);
+}
+
+TEST(ClientObject, AParameterNodeOfTheClientServesTheLibrary) {
+    const auto theirs = CQZRef<IParam>::Adopt(new_MemParam());
+    const CQZVariant text("text"), number(5);
+    theirs->SetValue("a\\b\\text", &text);
+    theirs->SetValue("number", &number);
+    const auto ours = CQZRef<ClientParam>::Adopt(new ClientParam);
+    Param_CopyTo(theirs.Get(), ours.Get());
+    EXPECT_EQ(ours->values["number"] == number, 1);
+    EXPECT_EQ(Param_Cmp(theirs.Get(), ours.Get()), 1);
+    EXPECT_EQ(Param_Cmp(ours.Get(), theirs.Get()), 1);
+    ours->values["number"] = 6;
+    EXPECT_EQ(Param_Cmp(ours.Get(), theirs.Get()), 0);
+}
+
+TEST(ClientObject, ASinkOfTheClientIsAskedWhenMemoryRunsOut) {
+    struct Sink final : ILowMemoryNotifySink {
+        int OnLowMemory(unsigned attempt) override {
+            attempts += attempt == static_cast<unsigned>(attempts) ? 1 : 100;
+            return attempts < 3 ? 1 : 0;
+        }
+        int attempts = 0;
+    };
+    static Sink sink; // the library keeps it
+    Mem_SetLowMemoryNotifySink(&sink);
+    EXPECT_THROW(Mem_DefaultHeap()->Alloc(1ull << 40), CXMemException);
+    EXPECT_EQ(sink.attempts, 3);
+    try {
+        Mem_SetLowMemoryNotifySink(&sink);
+        ADD_FAILURE() << "a second sink was taken";
+    } catch (const CXException& failure) {
+        EXPECT_EQ(failure.GetCode(), QZERR_INTERFACE);
+    }
+}
+
+} // namespace
