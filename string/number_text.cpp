@@ -47,8 +47,30 @@ char* widen_exponent(char* begin, char* end) {
     return end + 1;
 }
 
+// Whether a value lies in the middle between two texts of fourteen digits. Then it has fifteen digits, the
+// last one a 5, so at most 21 binary places and fewer than 40 digits to look at.
+bool is_halfway(double value) {
+    constexpr double kPlaces = 1 << 21;
+    constexpr double kLargest = 1e16;
+    constexpr int kExactDigits = 40;
+    if (std::fabs(value) >= kLargest || std::trunc(value * kPlaces) != value * kPlaces) return false;
+    char text[kExactDigits + 16];
+    const char* const end =
+        std::to_chars(text, text + sizeof text, std::fabs(value), std::chars_format::scientific, kExactDigits)
+            .ptr;
+    const char* const last = text + 1 + kDigits; // behind the first digit and the point stand the others
+    if (*last != '5') return false;
+    const char* behind = last + 1;
+    while (behind != end && *behind == '0')
+        ++behind;
+    return *behind == 'e';
+}
+
 int shortest_general(char* out, double value) {
     if (!std::isfinite(value)) return special_text(out, value);
+    // The runtime rounds these away from zero.
+    if (is_halfway(value))
+        value = std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
     const std::to_chars_result result =
         std::to_chars(out, out + kRealTextSize - 1, value, std::chars_format::general, kDigits);
     return finish(out, widen_exponent(out, result.ptr));
