@@ -1,0 +1,35 @@
+// Where a tree is kept, and where something is in it.
+#pragma once
+
+#include "tree.h"
+
+#include <filesystem>
+#include <string>
+
+namespace tool {
+
+struct Kind;
+
+/// An argument such as text:settings.qzt, taken apart.
+struct Address {
+    const Kind* kind;
+    std::filesystem::path file;
+    std::string shown; // the file as the user wrote it, for messages
+};
+
+/// The address of a tree that is there. Without a kind in front of it the file's contents tell the kind, or
+/// its extension when it is empty. Fails when there is no such file.
+Address source_address(const std::wstring& argument);
+
+/// The address of a tree to be written. Without a kind in front of it the extension tells the kind; failing
+/// that, the contents of the file that is there already.
+Address target_address(const std::wstring& argument);
+
+/// Takes the path of a value or section apart. "\" separates names, and so does "/" in a path without any
+/// "\"; a separator at the end makes it the path of a section.
+TreePath value_path(const std::wstring& argument);
+
+/// The same where only a section makes sense.
+std::vector<CXString> section_path(const std::wstring& argument);
+
+} // namespace tool

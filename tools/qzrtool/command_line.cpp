@@ -1,0 +1,105 @@
+#include "command_line.h"
+
+#include "encoding.h"
+
+#include <cstdio>
+
+namespace tool {
+
+namespace {
+
+bool lists(std::string_view words, std::string_view word) {
+    return (" " + std::string(words) + " ").find(" " + std::string(word) + " ") != std::string::npos;
+}
+
+/// Arguments as typed, taken apart into words and options.
+struct Typed {
+    std::vector<std::wstring> words;
+    std::vector<std::string> options;
+};
+
+Typed take_apart(const std::vector<std::wstring>& arguments) {
+    Typed typed;
+    bool options_end = false;
+    for (const std::wstring& argument : arguments) {
+        if (!options_end && argument == L"--") {
+            options_end = true;
+        } else if (!options_end && argument.starts_with(L"-") && argument.size() > 1) {
+            typed.options.push_back(utf8(argument));
+        } else {
+            typed.words.push_back(argument);
+        }
+    }
+    return typed;
+}
+
+const Command& command_named(const std::string& name) {
+    for (const Command& command : commands()) {
+        if (name == command.name) return command;
+    }
+    fail("there is no command \"" + printable(name) + "\"; qzrtool help lists them");
+}
+
+void set_option(const Command& command, const std::string& typed, Options& options) {
+    const std::size_t equals = typed.find('=');
+    const bool has_value = equals != std::string::npos;
+    const std::string name = typed.substr(0, equals);
+    for (const Option& option : all_options()) {
+        if (name != std::string("--") + option.name || !takes(command, option)) continue;
+        if (has_value != (option.value != nullptr)) {
+            fail(name + (has_value ? " takes no value"
+                                   : std::string(" needs a value: ") + name + "=" + option.value));
+        }
+        const std::string value = has_value ? typed.substr(equals + 1) : std::string();
+        if (!option.set(options, value)) fail(name + ": \"" + printable(value) + "\" is not understood");
+        return;
+    }
+    fail("qzrtool " + std::string(command.name) + " has no option " + printable(name) +
+         "; see qzrtool help " + command.name);
+}
+
+void check_count(const Command& command, std::size_t count) {
+    if (count >= command.fewest && count <= command.most) return;
+    fail("usage: qzrtool " + std::string(command.name) + " " + command.arguments);
+}
+
+} // namespace
+
+bool takes(const Command& command, const Option& option) {
+    return option.every_command || lists(command.options, option.name);
+}
+
+ExitCode run(const std::vector<std::wstring>& arguments) {
+    Typed typed = take_apart(arguments);
+    for (const std::string& option : typed.options) {
+        if (option == "--help" || option == "-h") typed.words.insert(typed.words.begin(), L"help");
+        if (option == "--version") {
+            Output out(ColorChoice::never);
+            out.write("qzrtool " QZRTOOL_VERSION "\n");
+            out.finish();
+            return kOk;
+        }
+    }
+    std::erase_if(typed.options,
+                  [](const std::string& option) { return option == "--help" || option == "-h"; });
+    if (typed.words.empty()) fail("which command? qzrtool help lists them");
+
+    const Command& command = command_named(utf8(typed.words.front()));
+    typed.words.erase(typed.words.begin());
+    const bool asked_for_help = command.run == run_help;
+    if (asked_for_help && typed.words.size() > 1) typed.words.resize(1);
+    Options options;
+    for (const std::string& option : typed.options) {
+        set_option(command, option, options);
+    }
+    check_count(command, typed.words.size());
+
+    Diagnostics diagnostics(options.strict);
+    Output out(options.color);
+    Invocation invocation = {std::move(typed.words), options, diagnostics, out};
+    const ExitCode code = command.run(invocation);
+    out.finish();
+    return code;
+}
+
+} // namespace tool

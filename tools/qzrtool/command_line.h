@@ -1,0 +1,69 @@
+// The command line: commands, options, and how they are told apart. Each is a row of a table.
+#pragma once
+
+#include "console.h"
+#include "diagnostics.h"
+#include "kinds.h"
+#include "view.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+struct Options {
+    bool strict = false;
+    bool json = false;
+    ColorChoice color = ColorChoice::automatic;
+    ViewOptions view;
+    LoadOptions load;
+    SaveOptions save;
+};
+
+/// What a command works on.
+struct Invocation {
+    std::vector<std::wstring> arguments; // without the command and the options
+    Options options;
+    Diagnostics& diagnostics;
+    Output& out;
+};
+
+struct Command {
+    const char* name;
+    const char* arguments; // for people
+    const char* summary;
+    const char* details;
+    std::size_t fewest, most; // arguments
+    const char* options;      // names without dashes, parted by blanks, that it knows beside those all know
+    ExitCode (*run)(Invocation& invocation);
+};
+
+struct Option {
+    const char* name;  // without the dashes
+    const char* value; // for people; null when it takes none
+    const char* summary;
+    /// @return false when the value is not understood
+    bool (*set)(Options& options, const std::string& value);
+    bool every_command;
+};
+
+std::span<const Command> commands();
+std::span<const Option> all_options();
+
+/// @return whether a command takes an option
+bool takes(const Command& command, const Option& option);
+
+/// Does what the arguments say. Throws what main reports.
+ExitCode run(const std::vector<std::wstring>& arguments);
+
+// The commands.
+ExitCode run_show(Invocation& invocation);
+ExitCode run_convert(Invocation& invocation);
+ExitCode run_diff(Invocation& invocation);
+ExitCode run_get(Invocation& invocation);
+ExitCode run_set(Invocation& invocation);
+ExitCode run_rm(Invocation& invocation);
+ExitCode run_help(Invocation& invocation);
+
+} // namespace tool

@@ -1,0 +1,33 @@
+// The three kinds of text in this program: CXString holds narrow text in the ANSI code page (names and texts
+// of trees), std::wstring holds file names and arguments, std::string holds UTF-8 for the outside or raw
+// bytes.
+#pragma once
+
+#include "qzstring.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+/// A half of a surrogate pair that stands alone becomes U+FFFD: the result is always valid UTF-8.
+std::string utf8(std::wstring_view text);
+std::string utf8(const char* narrow);
+inline std::string utf8(const CXString& narrow) { return utf8(narrow.GetData()); }
+
+/// @return the text in the ANSI code page. Fails with a message when a character has no place there; what
+/// names the text in that message.
+CXString narrow(const std::wstring& text, const char* what);
+
+/// @return the number of characters
+std::size_t character_count(std::string_view utf8_text);
+
+/// @return the first count characters
+std::string_view first_characters(std::string_view utf8_text, std::size_t count);
+
+/// @return the text with its control characters written as \n, \t, \x1B: what a stored name or text holds
+/// must not steer the terminal
+std::string printable(std::string_view utf8_text);
+
+} // namespace tool

@@ -1,0 +1,11 @@
+// qzrtool: shows, converts, compares and changes stored parameter trees. docs/qzrtool.md is its manual.
+#include "command_line.h"
+
+int wmain(int count, wchar_t** arguments) {
+    try {
+        tool::prepare_console();
+        return tool::run({arguments + 1, arguments + count});
+    } catch (...) {
+        return tool::report_current_exception();
+    }
+}

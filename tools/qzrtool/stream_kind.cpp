@@ -1,0 +1,74 @@
+// Trees in the binary form of SaveParamToXStream, as files.
+#include "kinds.h"
+
+#include "encoding.h"
+#include "files.h"
+#include "stream_check.h"
+#include "streams.h"
+
+namespace tool {
+
+namespace {
+
+bool recognises(std::string_view bytes) { return bytes.find('\0') != std::string_view::npos; }
+
+std::string encode(IParam& tree) {
+    const auto stream = new_stream();
+    if (SaveParamToXStream(stream.Get(), &tree) == 0) fail("the tree cannot be written as a stream");
+    return bytes_of(*stream);
+}
+
+CQZRef<IParam> load(const Address& address, const LoadOptions& options, Diagnostics& diagnostics) {
+    const auto stream = stream_of(read_file(address.file, address.shown));
+    auto tree = new_tree();
+    if (const auto damage = find_damage(*stream, *tree)) {
+        const std::string place = address.shown + ": at byte " + std::to_string(damage->offset);
+        if (!options.salvage) fail(place + ": " + damage->text + " (--salvage uses what can be read)");
+        diagnostics.warn(place, damage->text);
+        return tree;
+    }
+    stream->Seek(0, 0);
+    if (LoadParamFromXStream(stream.Get(), tree.Get()) == 0)
+        fail(address.shown + ": cannot be read as a tree");
+    return tree;
+}
+
+void save(const Address& address, IParam& tree, const SaveOptions&) {
+    replace_file(address.file, encode(tree), address.shown);
+}
+
+CQZRef<IParam> rehearse(IParam& tree, const SaveOptions&) {
+    const auto stream = stream_of(encode(tree));
+    auto reread = new_tree();
+    if (LoadParamFromXStream(stream.Get(), reread.Get()) == 0)
+        fail("the tree does not read back from a stream");
+    return reread;
+}
+
+const char* why_lost(const tagQZVARIANT& value) {
+    switch (value.vt) {
+    case QZVT_WTEXT:
+        return "of a wide text only the first half of the bytes is stored in streams";
+    case QZVT_OBJECT:
+        return "an object that cannot be stored is lost";
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+const Kind kStreamKind = {
+    "stream",
+    ".qzs .stream",
+    "a file in the compact binary form",
+    "wide text of more than two characters (half of its bytes are stored), names with line feeds",
+    recognises,
+    load,
+    save,
+    rehearse,
+    why_lost,
+    edit_by_rewriting,
+};
+
+} // namespace tool
