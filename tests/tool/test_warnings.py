@@ -48,6 +48,12 @@ class Warnings(ProgramTest):
                 result = self.tool("show", "text:a.txt", code=OK)
                 self.assertEqual(result.err, "".join(f"a.txt:{message}\n" for message in messages))
 
+    def test_in_great_number_are_counted(self):
+        self.write("a.qzt", "[\\]\n" + "a=q\n" * 250)
+        lines = self.tool("show", "a.qzt").err.splitlines()
+        self.assertEqual(len(lines), 101)
+        self.assertEqual(lines[-1], "150 more warnings")
+
     def test_end_the_command_under_strict(self):
         self.write("a.qzt", "[\\]\na=i1\nb=q1\n")
         for command, *rest in (["show"], ["get", "a"], ["convert", "b.qzt"], ["diff", "a.qzt"], ["set", "a", "int:2"],

@@ -11,6 +11,8 @@ namespace tool {
 
 namespace {
 
+constexpr unsigned kMostPrinted = 100;
+
 struct NumberedText {
     unsigned number;
     const char* text;
@@ -66,8 +68,12 @@ std::string describe(const CXFileException& e) {
 
 void fail(std::string text) { throw Failure{kTrouble, std::move(text)}; }
 
+Diagnostics::~Diagnostics() {
+    if (count_ > kMostPrinted) print_error(std::to_string(count_ - kMostPrinted) + " more warnings");
+}
+
 void Diagnostics::warn(const std::string& place, const std::string& text) {
-    ++count_;
+    if (++count_ > kMostPrinted) return;
     print_error(place + ": warning: " + text);
 }
 

@@ -24,7 +24,11 @@ struct Failure {
 class Diagnostics {
 public:
     explicit Diagnostics(bool strict) : strict_(strict) {}
+    ~Diagnostics(); // says how many warnings were not printed
+    Diagnostics(const Diagnostics&) = delete;
+    Diagnostics& operator=(const Diagnostics&) = delete;
 
+    /// Prints a warning; after a hundred of them it only counts.
     /// @param place where: "FILE:LINE" or "FILE"
     void warn(const std::string& place, const std::string& text);
 
