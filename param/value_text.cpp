@@ -31,13 +31,13 @@ constexpr ValueTextRow kValueTextRows[QZVT_COUNT] = {
 
 namespace {
 
-// From a letter to its type code, QZVT_COUNT for none.
+// From a letter to its type code, QZVT_COUNT for none. The first row of a letter is the one that parses.
 constexpr auto kCodeByLetter = [] {
     std::array<unsigned char, 256> codes{};
     codes.fill(QZVT_COUNT);
-    for (unsigned char code = 0; code < QZVT_COUNT; ++code) {
-        const ValueTextRow& row = kValueTextRows[code];
-        if (row.parse != nullptr) codes[static_cast<unsigned char>(row.letter)] = code;
+    for (unsigned char code = QZVT_COUNT; code-- > 0;) {
+        const char letter = kValueTextRows[code].letter;
+        if (letter != '\0') codes[static_cast<unsigned char>(letter)] = code;
     }
     return codes;
 }();
