@@ -77,7 +77,9 @@ class Show(ProgramTest):
             (["--color=never"], {}, False),
             (["--color=always"], {}, True),
             (["--color=always"], {"NO_COLOR": "1"}, True),
-            (["--color=auto"], {"NO_COLOR": "1"}, False),
+            ([], {"CLICOLOR_FORCE": "1"}, True),
+            ([], {"CLICOLOR_FORCE": "1", "NO_COLOR": "1"}, False),
+            (["--color=never"], {"CLICOLOR_FORCE": "1"}, False),
         ]
         plain = self.show()
         for options, env, colored in cases:

@@ -60,7 +60,8 @@ constexpr Option kOptions[] = {
     {"ascii", nullptr, "draw lines with ASCII characters",
      [](Options& o, const std::string&) { return o.view.ascii = true; }, false},
     {"depth", "N", "show N levels of sections at most (64)", set_depth, false},
-    {"color", "WHEN", "always, never, or auto: on a terminal, unless NO_COLOR is set", set_color, false},
+    {"color", "WHEN", "always, never, or auto: on a terminal or with CLICOLOR_FORCE, unless NO_COLOR is set",
+     set_color, false},
     {"compact", nullptr, "write one line for each section of a text file, instead of one for each value",
      [](Options& o, const std::string&) { return o.save.compact = true; }, false},
 };

@@ -1,14 +1,16 @@
 // Standard output and standard error, as UTF-8.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace tool {
 
-/// Puts consoles into UTF-8 and standard output into binary mode, so that lines end in a line feed
-/// everywhere.
-void prepare_console();
+enum class StandardStream { output, error };
+
+/// Writes at once: to a console as characters, to anything else as UTF-8. @return false when that failed
+bool write_standard(StandardStream stream, std::string_view utf8_text);
 
 enum class ColorChoice { automatic, always, never };
 
@@ -18,7 +20,9 @@ enum class Style { plain, section, type, text, number, object, added, removed, c
 /// Collects what is printed and writes it to standard output in large pieces.
 class Output {
 public:
+    /// Automatic: colours on a console, or when CLICOLOR_FORCE is set, unless NO_COLOR is.
     explicit Output(ColorChoice color);
+    ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
@@ -31,6 +35,7 @@ public:
 private:
     std::string held_;
     bool colored_;
+    std::optional<unsigned long> console_mode_; // as it was, when it was changed
 };
 
 } // namespace tool

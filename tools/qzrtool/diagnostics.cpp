@@ -1,9 +1,9 @@
 #include "diagnostics.h"
 
+#include "console.h"
 #include "encoding.h"
 #include "qzexception.h"
 
-#include <cstdio>
 #include <exception>
 #include <new>
 
@@ -83,10 +83,7 @@ void Diagnostics::stop_if_strict() const {
                                "; stopped because of --strict"};
 }
 
-void print_error(const std::string& line) {
-    std::fputs((line + "\n").c_str(), stderr);
-    std::fflush(stderr);
-}
+void print_error(const std::string& line) { write_standard(StandardStream::error, line + "\n"); }
 
 ExitCode report_current_exception() {
     const auto report = [](const std::string& text, ExitCode code = kTrouble) {

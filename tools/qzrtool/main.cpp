@@ -3,7 +3,6 @@
 
 int wmain(int count, wchar_t** arguments) {
     try {
-        tool::prepare_console();
         return tool::run({arguments + 1, arguments + count});
     } catch (...) {
         return tool::report_current_exception();
