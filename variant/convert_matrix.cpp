@@ -64,14 +64,17 @@ bool convert(tagQZVARIANT& out, const tagQZVARIANT& src, unsigned short target) 
 using namespace qzr;
 
 int QZVariantChangeType(tagQZVARIANT* dst, const tagQZVARIANT* src, unsigned short vt) {
+    const bool in_place = dst == src;
     tagQZVARIANT fresh = empty_record();
-    if (dst == src) { // a failure leaves the record as it is
-        if (!convert(fresh, *src, vt)) return 0;
-        replace_value(*dst, fresh);
-        return 1;
+    bool converted;
+    try {
+        converted = convert(fresh, *src, vt);
+    } catch (...) {
+        if (!in_place) QZVariantClear(dst);
+        throw;
     }
-    QZVariantClear(dst);
-    if (!convert(fresh, *src, vt)) return 0;
-    *dst = fresh;
-    return 1;
+    // What dst held goes after the conversion: src may live in it. A failure empties another record, but
+    // leaves one that was to be converted in place as it is.
+    if (converted || !in_place) replace_value(*dst, fresh);
+    return converted ? 1 : 0;
 }

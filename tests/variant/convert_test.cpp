@@ -209,6 +209,24 @@ TEST_F(VariantConvert, ChangeTypeToTheOwnTypeTouchesNothing) {
     EXPECT_EQ(show(v), "\"text\"");
 }
 
+// The source may belong to what the target holds: it is read before that goes.
+TEST_F(VariantConvert, TheOldValueOutlivesTheConversion) {
+    CQZVariant source(5);
+    CountingObject object;
+    object.on_release = [](void* inside) { static_cast<CQZVariant*>(inside)->Clear(); };
+    object.watched = &source;
+    CQZVariant target(&object);
+    EXPECT_EQ(target.ChangeType(QZVT_DOUBLE, &source), 1);
+    EXPECT_EQ(source.vt, QZVT_EMPTY);
+    EXPECT_EQ(target.vt, QZVT_DOUBLE);
+    EXPECT_EQ(show(target), "5");
+
+    CQZVariant text("a text of some length");
+    tagQZVARIANT view = text; // the same characters, not owned twice
+    EXPECT_EQ(text.ChangeType(QZVT_WTEXT, &view), 1);
+    EXPECT_EQ(show(text), "\"a text of some length\"");
+}
+
 TEST_F(VariantConvert, NumbersFromText) {
     const struct {
         const char* text;
