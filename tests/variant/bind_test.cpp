@@ -128,6 +128,8 @@ TEST(VariantBind, TextIsDuplicatedBothWays) {
         // A field that is the variant's own text gets another copy of it.
         EXPECT_EQ(QZVariantBindToValue(QZVT_TEXT, &v.pszVal, &v), 1);
         EXPECT_EQ(show(v), "\"text\"");
+        EXPECT_EQ(QZVariantBindFromValue(QZVT_TEXT, &v.pszVal, &v), 1);
+        EXPECT_EQ(show(v), "\"text\"");
         // A null text in the variant leaves a null in the field.
         EXPECT_EQ(CQZVariant(static_cast<const char*>(nullptr)).BindToValue(QZVT_TEXT, &field), 1);
         EXPECT_EQ(field, nullptr);
