@@ -1,8 +1,7 @@
 // Booleans, integers and reals.
 #include "param/value_text_fields.h"
 #include "param/value_text_rows.h"
-
-#include <cstdlib>
+#include "string/number_text.h"
 
 namespace qzr {
 
@@ -29,6 +28,7 @@ bool parse_one(std::string_view text, tagQZVARIANT& value, unsigned short vt, T 
 
 } // namespace
 
+// A number stops at the limits, so that none beyond them wraps around to 0 or 1.
 bool parse_bool(std::string_view text, tagQZVARIANT& value) {
     if (text.empty()) return false;
     int truth = -1;
@@ -42,7 +42,7 @@ bool parse_bool(std::string_view text, tagQZVARIANT& value) {
         truth = 0;
         break;
     default:
-        if (text.front() >= '0' && text.front() <= '9') truth = std::atoi(text.data());
+        if (text.front() >= '0' && text.front() <= '9') truth = text_to_int(text.data(), nullptr, 10);
         break;
     }
     if (truth != 0 && truth != 1) return false;

@@ -56,6 +56,9 @@ TEST(ValueText, ReadsBooleans) {
                  {"f1abc", "bool 1"},
                  {"f2", "none"},
                  {"f10", "none"},
+                 {"f4294967296", "none"}, // not 0 and 1, as in 32 bits
+                 {"f4294967297", "none"},
+                 {"f18446744073709551617", "none"},
                  {"f-1", "none"},
                  {"f+1", "none"},
                  {"f 1", "none"},
