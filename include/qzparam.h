@@ -66,11 +66,15 @@ QZR_API IParam* new_MemParam();
 
 /// Writes a tree in its text form on one line, statements joined by "|". docs/text-form.md describes it.
 /// @return 1; 0 when param is null or there is no memory for the text (out is then untouched)
+///         Throws CXIFaceException when a node gives no enumerator, and what the tree throws; out is then
+///         untouched too.
 QZR_API int Param_Param2String(IParam* param, CXString& out);
 
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
 /// "#include" opens files; names beginning with "." are taken from the current directory.
-/// @return 1; 0 when param is null or there is no memory
+/// @return 1; 0 when param is null or there is no memory for reading. Throws CXMemException when there is
+/// none
+///         for a value, and what the tree throws. What was read until then is kept in either case.
 QZR_API int Param_String2Param(CXString& text, IParam* param);
 
 /// Writes a tree in its binary form at the stream's position. docs/stream-form.md describes it.
