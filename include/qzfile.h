@@ -6,6 +6,8 @@
 
 #include "qzunknown.h"
 
+class CXStringW;
+
 /// A file for reading, or for reading and writing in place. Positions and sizes are 32-bit: a file holds at
 /// most 4 GiB - 1 bytes. Failures are thrown as CXFileException with the file's path.
 class IXFile : public IQZUnknown {
@@ -65,3 +67,94 @@ public:
     virtual void Commit() = 0;            ///< puts the contents in the target's place; once
     virtual ~IXOutFile() = default;
 };
+
+// ------------------------------------------------------------------------------------------------ opening
+
+/// Bits of the open mode.
+enum QZFileMode {
+    QZFILE_READ = 0,
+    QZFILE_WRITE = 0x1,    ///< open for reading and writing
+    QZFILE_KEEP = 0x2,     ///< with write: keep what is there; for output files: start at the end of a copy
+    QZFILE_RANDOM = 0x100, ///< access will be random rather than sequential
+    QZFILE_TEMPORARY = 0x8000, ///< with write: the system deletes the file when it is closed
+};
+
+/// @return 1 when path starts with "fmem::", whatever the case: "fmem::ADDRESS,SIZE", both decimal, names a
+///         block of this process's memory below 2 GiB, which its owner keeps alive; else 0, also for null
+QZR_API int Fio_IsMemFile(const wchar_t* path);
+
+/// Opens a file through memory-mapped views. With write no one else can open it meanwhile.
+///
+/// A mapped view faults when its medium vanishes (a network drive, a file cut short by others): that is a
+/// structured exception of the system, not an exception of this library.
+/// @param path null makes a unique temporary file
+/// @param mode bits of QZFileMode
+/// @return the file with one reference; null when there is no memory for it. Throws CXFileException with
+///         operation QZOP_READ, or QZOP_WRITE when opened with write.
+QZR_API IXFile* Fio_Open(const wchar_t* path, int mode);
+
+/// Opens a file for safe output: everything goes to a temporary file in the target's directory, which takes
+/// the target's place on Commit. Released without Commit the target stays as it was.
+/// @return the file with one reference. Throws CXException QZERR_ACCESS when the target is not writable,
+///         other codes when the directory takes no temporary file; CXFileException.
+QZR_API IXOutFile* Fio_OpenOut(const wchar_t* path, int mode);
+
+// -------------------------------------------------------------------------------------------- file system
+//
+// These throw CXFileException with the operation named; "fmem::" paths are mostly ignored.
+
+QZR_API void Fio_CopyFile(const wchar_t* src, const wchar_t* dst, int failIfExists); ///< QZOP_COPY
+QZR_API void Fio_CreateDirectory(const wchar_t* path); ///< with every missing parent; QZOP_CREATE_DIRECTORY
+QZR_API void Fio_DeleteDirectory(const wchar_t* path); ///< an empty one; QZOP_REMOVE_DIRECTORY
+QZR_API void Fio_DeleteFile(const wchar_t* path);      ///< QZOP_DELETE
+QZR_API void Fio_RenameFile(const wchar_t* from, const wchar_t* to); ///< to must not exist; QZOP_RENAME
+QZR_API void Fio_GetCurrentDirectory(wchar_t* buffer, int size);     ///< size in characters; never throws
+QZR_API void Fio_SetCurrentDirectory(const wchar_t* path);           ///< QZOP_CHANGE_DIRECTORY
+
+/// What Fio_GetFileInfo tells. The time is that of the last write, in UTC.
+struct FioFileInfo {
+    unsigned size; ///< low 32 bits of the size in bytes
+    unsigned second;
+    unsigned minute;
+    unsigned hour;
+    unsigned day;
+    unsigned dayOfWeek; ///< 0 is Sunday
+    unsigned month;     ///< 1 to 12
+    unsigned year;
+};
+static_assert(sizeof(FioFileInfo) == 32, "a record that crosses the boundary");
+
+/// Looks a file up; wildcards name the first match. Of an "fmem::" path only the size is set.
+/// Throws QZOP_FILE_INFO.
+QZR_API void Fio_GetFileInfo(const wchar_t* path, FioFileInfo* info);
+
+QZR_API int Fio_IsFileExist(const wchar_t* path); ///< @return 1 when Fio_GetFileInfo succeeds, else 0
+
+/// @param owner receives the account that owns the file, a blank and its domain. @return 1, or 0 on failure
+QZR_API int Fio_GetSecurityInfo(const wchar_t* path, CXStringW& owner);
+
+QZR_API int Fio_IsWritableDir(const wchar_t* path); ///< @return 1 when access rights allow writing, else 0
+
+/// @return 1 when the file can be opened for writing or does not exist, else 0
+QZR_API int Fio_IsWritableFile(const wchar_t* path);
+QZR_API int Fio_IsWritableFile(const wchar_t* path, CXStringW& owner); ///< the same; owner is not filled
+
+/// @return the path of a new, empty, unique file in the system's temporary directory; in a static buffer that
+///         the next call overwrites
+QZR_API const wchar_t* Fio_GetTempFileName();
+
+// ------------------------------------------------------------------------------------------ lock registry
+//
+// A process-wide list of locked paths. While a path has a lock, nobody outside the library can open it for
+// writing; the library's own files can. Paths match as written, case ignored. One thread at a time.
+
+QZR_API void Fio_LockFile(const wchar_t* path, bool exclusive);   ///< takes one lock; never reports failure
+QZR_API void Fio_UnlockFile(const wchar_t* path, bool exclusive); ///< gives one lock back
+QZR_API int Fio_LockCount(const wchar_t* path, bool exclusive);   ///< @return locks of that kind, 0 for none
+
+/// Lets go of a locked path's handle (true) or takes it back (false); the counts stay. Throws
+/// CXFileException QZERR_SEEK (5) when letting go of an exclusive lock.
+QZR_API void Fio_ChangeNELock(const wchar_t* path, bool release);
+
+/// Sets the switch by which "fmem::" paths take part in locking. @return its old value
+QZR_API int Fio_EnableLocking(int on);

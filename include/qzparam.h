@@ -99,3 +99,34 @@ QZR_API void Param_CopyTo(IParam* src, IParam* dst);
 /// Writes the names of the tree's values and children to the debugger: " %s \n" for a value, "--- %s ---\n"
 /// for a child, followed by the child's own. Throws CXIFaceException when a node gives no enumerator.
 QZR_API void Dump_Param(IParam* param);
+
+// ----------------------------------------------------------------------------------------- other backends
+
+class IXStorage;
+
+/// Opens an INI file as a live tree: every operation goes straight to the file through the platform's
+/// private-profile functions, nothing is cached. docs/ini-form.md describes the file.
+/// @param fileName give a full path: the platform takes others to be in the Windows directory
+/// @return the root node with one reference; null when there is no memory. The file and its directory are
+///         created when missing.
+extern "C" QZR_API IParam* new_IParamIniFile(const wchar_t* fileName);
+
+/// Reads a whole file in the text form into a tree, adding to what is there.
+/// @return as Param_String2Param. Throws CXFileException when the file does not open.
+QZR_API int Param_IniFile2Param(const wchar_t* fileName, IParam* param);
+
+/// Writes a tree into a file in the text form; the file is replaced as a whole, safely.
+/// @return 1. Throws CXFileException and CXException when it cannot be written.
+QZR_API int Param_Param2IniFile(IParam* param, const wchar_t* fileName);
+
+/// Opens an existing key below HKEY_CURRENT_USER as a live tree. docs/registry-form.md describes the layout.
+/// @return the node with one reference; null when the key does not open (nothing is created)
+extern "C" QZR_API IParam* new_IParamCUReg(const wchar_t* subKey);
+/// The same below HKEY_LOCAL_MACHINE.
+extern "C" QZR_API IParam* new_IParamLMReg(const wchar_t* subKey);
+
+/// Presents a storage as a tree: children are storages, values are streams of one variant each. Query a node
+/// for `typeid(IXStorage)` to get its storage. docs/storage-form.md describes the mapping.
+/// @param storage gets a reference; committing is its owner's business (Clear alone commits)
+/// @return the root node with one reference; null when there is no memory
+QZR_API IParam* new_IXStorParam(IXStorage* storage);

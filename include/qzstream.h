@@ -126,3 +126,61 @@ public:
     virtual const wchar_t* GetName() = 0;                   ///< the path; it belongs to the storage
     virtual ~IXStorage() = default;
 };
+
+/// Bits of the storage mode.
+enum QZStorageMode {
+    QZSTORAGE_READ_ONLY = 0x1,
+    QZSTORAGE_TRANSACTED = 0x2,        ///< changes reach the file on Commit, or at the last Release
+    QZSTORAGE_TEMPORARY = 0x4,         ///< the path is not used: a unique temporary file is made
+    QZSTORAGE_DELETE_ON_RELEASE = 0x8, ///< the file goes with the storage
+};
+
+/// Creates a compound file, replacing one that exists and creating its directory.
+/// @param path null makes it in memory, or in a temporary file with QZSTORAGE_TEMPORARY
+/// @param mode bits of QZStorageMode. QZSTORAGE_READ_ONLY always throws: the platform refuses it.
+/// @return the root storage with one reference. Throws CXFileException (QZOP_OPEN) with the path.
+QZR_API IXStorage* new_Storage(const wchar_t* path, int mode);
+
+/// Opens a compound file; nobody else can meanwhile.
+/// @param mode 0 for reading and writing, transacted; anything else for reading only
+/// @return the root storage with one reference. Throws CXFileException; QZERR_NOT_FOUND when missing.
+///
+/// A writable storage that is released without Commit is committed all the same.
+QZR_API IXStorage* open_Storage(const wchar_t* path, int mode);
+
+/// Wraps a platform storage (IStorage*), adding a reference to it. Throws CXFileException.
+QZR_API IXStorage* new_StorageByOleStorage(void* platformStorage);
+/// Wraps a platform stream (IStream*), adding a reference to it. @return null when there is no memory
+QZR_API IXStream* new_StreamByOleStream(void* platformStream);
+/// @return the platform's IStorage* behind a storage of this library, with a reference; null for others
+QZR_API void* Storage_GetOLEStorage(IXStorage* storage);
+/// @return the platform's IStream* behind a stream of this library, with a reference; null for others
+QZR_API void* Stream_GetOLEStream(IXStream* stream);
+
+/// What a stream of a document knows of its document; query the stream for `typeid(IDocStrorageInfo)` (the
+/// spelling is the contract's own). The getters store a pointer with one reference and answer 1, or null and
+/// 0 when the stream belongs to no document. The reserved ones answer 0.
+class IDocStrorageInfo : public IQZUnknown {
+public:
+    virtual int GetStorage(IXStorage** out) = 0; ///< the storage that the top document storage wraps
+    virtual int Reserved2() = 0;
+    virtual int GetDocStorage(IXStorage** out) = 0; ///< the top document storage itself
+    virtual int Reserved4() = 0;
+    virtual int GetRawStream(IXStream** out) = 0; ///< the stream that this one wraps
+    virtual int Reserved6() = 0;
+    virtual unsigned GetFlags() = 0; ///< the document's flags
+
+protected:
+    ~IDocStrorageInfo() = default;
+};
+
+/// Wraps a storage so that every transfer on any stream inside asks a progress sink whether to go on; a
+/// cancel throws CXException QZERR_CANCELLED after the transfer and closes nothing.
+/// @param flags handed on to every storage and stream inside, and to IDocStrorageInfo
+/// @param out   receives the top document storage with one reference; null without memory. @return 1
+QZR_API int new_CIXDocStorage(IXStorage* storage, QZRFC::IProgress* progress, IXStorage** out, int flags);
+
+/// Wraps a stream as one of a document.
+/// @param docStorage made by new_CIXDocStorage; with any other the stream has no document and checks nothing
+/// @param out        receives the stream with one reference; null without memory. @return 1
+QZR_API int new_CIXDocStream(IXStorage* docStorage, IXStream* stream, IXStream** out, int flags);
