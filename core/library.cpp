@@ -1,5 +1,7 @@
 #include "core/library.h"
 
+#include "fio/file_state.h"
+
 #include <memory>
 
 namespace qzr {
@@ -13,12 +15,20 @@ HINSTANCE module_around(const void* code) {
     return static_cast<HINSTANCE>(region.AllocationBase);
 }
 
+// Everything: what stands in core/, then what later folders need.
+struct Process {
+    Process() { library.files = &files; }
+
+    Library library;
+    FileState files;
+};
+
 constinit bool running = false;
 
 } // namespace
 
 namespace detail {
-alignas(Library) constinit std::byte library_storage[sizeof(Library)] = {};
+alignas(Process) constinit std::byte library_storage[sizeof(Process)] = {};
 }
 
 Library::Library()
@@ -27,7 +37,7 @@ Library::Library()
 
 bool start_library() noexcept {
     try {
-        new (detail::library_storage) Library;
+        new (detail::library_storage) Process;
         running = true;
     } catch (...) {
         // The loader takes false for an answer; an exception would end the process.
@@ -38,7 +48,7 @@ bool start_library() noexcept {
 void stop_library() noexcept {
     if (!running) return;
     running = false;
-    std::destroy_at(&library());
+    std::destroy_at(reinterpret_cast<Process*>(detail::library_storage));
 }
 
 } // namespace qzr

@@ -1,6 +1,6 @@
 // The library's process-wide objects.
 //
-// Start-up. When the system loads the DLL, its entry point builds one Library in static storage: each member
+// Start-up. When the system loads the DLL, its entry point builds one Process in static storage: each member
 // in the order below, since each may use those above it. Nothing else in the library is built at start-up: no
 // other file defines a global that needs a constructor or a destructor. (constinit ones with a trivial
 // destructor are fine.)
@@ -24,6 +24,8 @@
 
 namespace qzr {
 
+struct FileState; // fio/file_state.h
+
 struct Library {
     Library();
 
@@ -33,10 +35,11 @@ struct Library {
     GlobalMutex global_mutex; //
     ObjectRegistry objects;   // classes by name
     CQZObjectRegistrar service_container;
+    FileState* files = nullptr; // locks and result buffers of the file functions
 };
 
 namespace detail {
-extern std::byte library_storage[sizeof(Library)];
+extern std::byte library_storage[]; // begins with the Library
 }
 
 // Valid from start-up to unload; costs nothing.

@@ -63,4 +63,11 @@ struct FileTraits {
 };
 using FileHandle = WinHandle<FileTraits>;
 
+struct FindTraits {
+    using Handle = HANDLE;
+    static inline const Handle kInvalid = INVALID_HANDLE_VALUE;
+    static void close(Handle search) noexcept { FindClose(search); }
+};
+using FindHandle = WinHandle<FindTraits>;
+
 } // namespace qzr

@@ -1,0 +1,46 @@
+#include "fio/file_info.h"
+
+#include "core/system_error.h"
+#include "core/win_handle.h"
+#include "fio/error_mode.h"
+#include "fio/path_kind.h"
+
+namespace qzr {
+
+namespace {
+
+// Finds the first file that the path, or a pattern in it, names. @return 0, or the error of the system
+DWORD find_first(const wchar_t* path, WIN32_FIND_DATAW& found) noexcept {
+    if (path == nullptr) return ERROR_PATH_NOT_FOUND;
+    const QuietErrorMode quiet;
+    const FindHandle search(FindFirstFileW(path, &found));
+    return search ? ERROR_SUCCESS : last_error();
+}
+
+} // namespace
+
+void fill_file_info(const WIN32_FIND_DATAW& found, FioFileInfo& info) noexcept {
+    SYSTEMTIME time = {};
+    FileTimeToSystemTime(&found.ftLastWriteTime, &time);
+    info = {found.nFileSizeLow, time.wSecond,    time.wMinute, time.wHour,
+            time.wDay,          time.wDayOfWeek, time.wMonth,  time.wYear};
+}
+
+} // namespace qzr
+
+void Fio_GetFileInfo(const wchar_t* path, FioFileInfo* info) {
+    if (qzr::is_memory_path(path)) {
+        if (info != nullptr) info->size = static_cast<unsigned>(qzr::parse_memory_path(path).size);
+        return;
+    }
+    WIN32_FIND_DATAW found;
+    const DWORD error = qzr::find_first(path, found);
+    if (error != ERROR_SUCCESS) qzr::throw_file_error(QZOP_FILE_INFO, path, error);
+    if (info != nullptr) qzr::fill_file_info(found, *info);
+}
+
+int Fio_IsFileExist(const wchar_t* path) {
+    if (qzr::is_memory_path(path)) return 1;
+    WIN32_FIND_DATAW found;
+    return qzr::find_first(path, found) == ERROR_SUCCESS ? 1 : 0;
+}

@@ -1,0 +1,106 @@
+#include "fio/lock_registry.h"
+
+#include "qzexception.h"
+#include "qzfile.h"
+
+#include <cwchar>
+#include <mutex>
+
+namespace qzr {
+
+namespace {
+
+// A path as the registry knows it.
+class FoldedPath {
+public:
+    explicit FoldedPath(const wchar_t* path) noexcept {
+        if (path == nullptr) return;
+        const std::size_t length = wcsnlen(path, kPathUnits);
+        if (length == kPathUnits) return;
+        const int units = static_cast<int>(length);
+        valid_ = length == 0 || LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, path, units, text_,
+                                              units, nullptr, nullptr, 0) == units;
+        length_ = length;
+    }
+
+    bool valid() const noexcept { return valid_; }
+    std::wstring_view text() const noexcept { return {text_, length_}; }
+
+private:
+    wchar_t text_[kPathUnits]; // filled up to length_
+    std::size_t length_ = 0;
+    bool valid_ = false;
+};
+
+// While it is open others can read the file, and nobody can open it for writing.
+FileHandle open_lock_file(const wchar_t* path) noexcept {
+    return FileHandle(CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_FLAG_RANDOM_ACCESS,
+                                  nullptr));
+}
+
+} // namespace
+
+LockRegistry::Records::iterator LockRegistry::find(const wchar_t* path) {
+    if (records_.empty()) return records_.end();
+    const FoldedPath folded(path);
+    return folded.valid() ? records_.find(folded.text()) : records_.end();
+}
+
+void LockRegistry::lock(const wchar_t* path, bool exclusive) {
+    const std::lock_guard guard(lock_);
+    if (enabled_ == 0 && is_memory_path(path)) return;
+    const FoldedPath folded(path);
+    if (!folded.valid()) return;
+    if (const auto found = records_.find(folded.text()); found != records_.end()) {
+        ++found->second.count(exclusive);
+        return;
+    }
+    Record record;
+    ++record.count(exclusive);
+    if (exclusive || Fio_IsFileExist(path) != 0) {
+        record.file = open_lock_file(path);
+        if (!record.file) return;
+    }
+    records_.emplace(folded.text(), std::move(record));
+}
+
+void LockRegistry::unlock(const wchar_t* path, bool exclusive) {
+    const std::lock_guard guard(lock_);
+    const auto found = find(path);
+    if (found == records_.end()) return;
+    Record& record = found->second;
+    unsigned& count = record.count(exclusive);
+    if (count != 0) --count;
+    if (record.exclusive == 0 && record.shared == 0) records_.erase(found);
+}
+
+unsigned LockRegistry::count(const wchar_t* path, bool exclusive) {
+    const std::lock_guard guard(lock_);
+    const auto found = find(path);
+    return found != records_.end() ? found->second.count(exclusive) : 0;
+}
+
+void LockRegistry::let_go(const wchar_t* path) {
+    const std::lock_guard guard(lock_);
+    const auto found = find(path);
+    if (found == records_.end()) return;
+    if (found->second.exclusive != 0) throw CXFileException(QZERR_SEEK, QZOP_OPEN, path);
+    found->second.file.reset();
+}
+
+// A record that still has its file keeps it: two of the library's readers of one path end one after the
+// other, and each gives the handle back.
+void LockRegistry::take_back(const wchar_t* path) {
+    const std::lock_guard guard(lock_);
+    const auto found = find(path);
+    if (found == records_.end() || found->second.file || Fio_IsFileExist(path) == 0) return;
+    found->second.file = open_lock_file(path);
+}
+
+int LockRegistry::set_enabled(int on) {
+    const std::lock_guard guard(lock_);
+    return std::exchange(enabled_, on);
+}
+
+} // namespace qzr
