@@ -1,6 +1,7 @@
 #include "core/library.h"
 
 #include "fio/file_state.h"
+#include "supp/translation_context.h"
 
 #include <memory>
 
@@ -17,10 +18,14 @@ HINSTANCE module_around(const void* code) {
 
 // Everything: what stands in core/, then what later folders need.
 struct Process {
-    Process() { library.files = &files; }
+    Process() {
+        library.files = &files;
+        library.translation = &translation;
+    }
 
     Library library;
     FileState files;
+    TranslationContext translation;
 };
 
 constinit bool running = false;

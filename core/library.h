@@ -24,7 +24,8 @@
 
 namespace qzr {
 
-struct FileState; // fio/file_state.h
+struct FileState;          // fio/file_state.h
+struct TranslationContext; // supp/translation_context.h
 
 struct Library {
     Library();
@@ -35,7 +36,8 @@ struct Library {
     GlobalMutex global_mutex; //
     ObjectRegistry objects;   // classes by name
     CQZObjectRegistrar service_container;
-    FileState* files = nullptr; // locks and result buffers of the file functions
+    FileState* files = nullptr;                // locks and result buffers of the file functions
+    TranslationContext* translation = nullptr; // dictionary, its code page, the hooks' switch
 };
 
 namespace detail {

@@ -26,4 +26,12 @@ constexpr unsigned hash_name_folded(std::string_view name) {
     return hash;
 }
 
+// Wide text: units count as unsigned numbers and as they are. Goes on from the hash of what stands before.
+constexpr unsigned hash_wide(const wchar_t* text, unsigned before = 0) {
+    unsigned hash = before;
+    for (; *text != 0; ++text)
+        hash = hash * 257u + *text;
+    return hash;
+}
+
 } // namespace qzr

@@ -1,0 +1,19 @@
+// The state of translation, one per process.
+#pragma once
+
+#include "core/library.h"
+#include "supp/dictionary.h"
+
+namespace qzr {
+
+// Built when the library loads, empty; see core/library.h.
+struct TranslationContext {
+    bool loaded = false;                      // by the first dictionary
+    std::atomic<int> enabled = 1;             // the switch of the hooks
+    std::atomic<unsigned long> code_page = 0; // 0 stands for the system's ANSI code page
+    Dictionary dictionary;
+};
+
+inline TranslationContext& translation() noexcept { return *library().translation; }
+
+} // namespace qzr
