@@ -101,15 +101,31 @@ QZR_API IXOutFile* Fio_OpenOut(const wchar_t* path, int mode);
 
 // -------------------------------------------------------------------------------------------- file system
 //
-// These throw CXFileException with the operation named; "fmem::" paths are mostly ignored.
+// Paths are local ones, "fmem::" memory paths, which most of these accept and ignore, and URLs, which go to
+// the functions of qzurl.h where there is one of that purpose and wait for the network then. Where nothing is
+// said a memory path or a URL fails like any other name that the system does not know.
+//
+// Functions without a result throw CXFileException with the operation named; of two paths it carries the
+// first. Queries answer 0 instead. Threads may call them at the same time, except for Fio_GetTempFileName and
+// for the current directory, which is the process's.
 
-QZR_API void Fio_CopyFile(const wchar_t* src, const wchar_t* dst, int failIfExists); ///< QZOP_COPY
-QZR_API void Fio_CreateDirectory(const wchar_t* path); ///< with every missing parent; QZOP_CREATE_DIRECTORY
-QZR_API void Fio_DeleteDirectory(const wchar_t* path); ///< an empty one; QZOP_REMOVE_DIRECTORY
-QZR_API void Fio_DeleteFile(const wchar_t* path);      ///< QZOP_DELETE
+/// Copies a file with its attributes. QZOP_COPY.
+/// @param failIfExists non-zero refuses a dst that exists; 0 replaces it
+QZR_API void Fio_CopyFile(const wchar_t* src, const wchar_t* dst, int failIfExists);
+
+/// Creates a directory with every missing parent. Nothing happens when something of that name exists, and
+/// with a null, an empty or a memory path. QZOP_CREATE_DIRECTORY, with the part of the path that failed.
+QZR_API void Fio_CreateDirectory(const wchar_t* path);
+
+QZR_API void Fio_DeleteDirectory(const wchar_t* path); ///< removes an empty directory; QZOP_REMOVE_DIRECTORY
+/// Deletes a file; QZOP_DELETE. Of a memory path nothing happens, and of a URL no failure is told.
+QZR_API void Fio_DeleteFile(const wchar_t* path);
 QZR_API void Fio_RenameFile(const wchar_t* from, const wchar_t* to); ///< to must not exist; QZOP_RENAME
-QZR_API void Fio_GetCurrentDirectory(wchar_t* buffer, int size);     ///< size in characters; never throws
-QZR_API void Fio_SetCurrentDirectory(const wchar_t* path);           ///< QZOP_CHANGE_DIRECTORY
+
+/// Never throws; the text is empty when the directory does not fit.
+/// @param size places in the buffer; with 0 and less it is left alone
+QZR_API void Fio_GetCurrentDirectory(wchar_t* buffer, int size);
+QZR_API void Fio_SetCurrentDirectory(const wchar_t* path); ///< QZOP_CHANGE_DIRECTORY
 
 /// What Fio_GetFileInfo tells. The time is that of the last write, in UTC.
 struct FioFileInfo {
@@ -124,37 +140,54 @@ struct FioFileInfo {
 };
 static_assert(sizeof(FioFileInfo) == 32, "a record that crosses the boundary");
 
-/// Looks a file up; wildcards name the first match. Of an "fmem::" path only the size is set.
-/// Throws QZOP_FILE_INFO.
+/// Looks a file or a directory up; wildcards name the first match. Of a memory path only the size is set, to
+/// the second number of its name. QZOP_FILE_INFO.
+/// @param info left alone on failure; null only looks whether there is such a file (not for URLs)
 QZR_API void Fio_GetFileInfo(const wchar_t* path, FioFileInfo* info);
 
-QZR_API int Fio_IsFileExist(const wchar_t* path); ///< @return 1 when Fio_GetFileInfo succeeds, else 0
+/// @return 1 when Fio_GetFileInfo succeeds, else 0; always 1 for a memory path
+QZR_API int Fio_IsFileExist(const wchar_t* path);
 
 /// @param owner receives the account that owns the file, a blank and its domain. @return 1, or 0 on failure
 QZR_API int Fio_GetSecurityInfo(const wchar_t* path, CXStringW& owner);
 
-QZR_API int Fio_IsWritableDir(const wchar_t* path); ///< @return 1 when access rights allow writing, else 0
+/// @return 1 when the access rights let the calling process read and write the directory, else 0. No file is
+///         made to find out, except in the directory of a URL.
+QZR_API int Fio_IsWritableDir(const wchar_t* path);
 
-/// @return 1 when the file can be opened for writing or does not exist, else 0
+/// @return 0 for a file with the read-only attribute, for one that cannot be opened for this process alone
+///         (somebody has it open, or it is a directory), and for a path with an exclusive lock; else 1, also
+///         for one that does not exist
 QZR_API int Fio_IsWritableFile(const wchar_t* path);
 QZR_API int Fio_IsWritableFile(const wchar_t* path, CXStringW& owner); ///< the same; owner is not filled
 
 /// @return the path of a new, empty, unique file in the system's temporary directory; in a static buffer that
-///         the next call overwrites
+///         the next call overwrites. The file is the caller's to delete. Throws QZOP_OPEN. One thread at a
+///         time.
 QZR_API const wchar_t* Fio_GetTempFileName();
 
 // ------------------------------------------------------------------------------------------ lock registry
 //
-// A process-wide list of locked paths. While a path has a lock, nobody outside the library can open it for
-// writing; the library's own files can. Paths match as written, case ignored. One thread at a time.
+// A process-wide list of locked paths. While a path has a lock nobody outside the library can open it for
+// writing; the library's own files can, unless the lock is exclusive. Paths match as written, case ignored;
+// null, and paths of 512 units and more, take no part. Let one thread at a time take and give back locks;
+// files may be opened on several meanwhile.
 
-QZR_API void Fio_LockFile(const wchar_t* path, bool exclusive);   ///< takes one lock; never reports failure
-QZR_API void Fio_UnlockFile(const wchar_t* path, bool exclusive); ///< gives one lock back
-QZR_API int Fio_LockCount(const wchar_t* path, bool exclusive);   ///< @return locks of that kind, 0 for none
+/// Takes one lock. Its failure is not reported: Fio_LockCount tells. The first lock of a path opens the file,
+/// for reading and writing and with others allowed to read; a shared lock on a missing file is recorded
+/// without.
+QZR_API void Fio_LockFile(const wchar_t* path, bool exclusive);
 
-/// Lets go of a locked path's handle (true) or takes it back (false); the counts stay. Throws
-/// CXFileException QZERR_SEEK (5) when letting go of an exclusive lock.
+/// Gives one lock back; after the last one the file is closed. More of them than were taken do no harm.
+QZR_API void Fio_UnlockFile(const wchar_t* path, bool exclusive);
+
+QZR_API int Fio_LockCount(const wchar_t* path, bool exclusive); ///< @return locks of that kind, 0 for none
+
+/// Lets go of a locked path's file handle (true) or takes it back (false); the counts stay. The library's
+/// files do so while they are open. Taking back does nothing when the file is missing or does not open.
+/// Throws CXFileException QZERR_SEEK (5), QZOP_OPEN, when it would let go of an exclusive lock.
 QZR_API void Fio_ChangeNELock(const wchar_t* path, bool release);
 
-/// Sets the switch by which "fmem::" paths take part in locking. @return its old value
+/// Sets the switch by which memory paths take part in locking, 0 at first. With it on they are locked like
+/// other paths: only when a file of that name exists. @return its old value
 QZR_API int Fio_EnableLocking(int on);

@@ -1,0 +1,26 @@
+// A second process: this test program again, with one of its tests whose names begin with DISABLED_.
+#pragma once
+
+#include <string>
+
+#include <windows.h>
+
+class ChildProcess {
+public:
+    // Starts the test ("Suite.DISABLED_Name"), which finds the argument by child_argument().
+    ChildProcess(const char* test, const std::wstring& argument);
+    ~ChildProcess(); // ends it
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    bool wait_ready() const; // until it calls child_ready(), or ends; false then
+    DWORD exit_code() const; // waits for its end, 30 seconds at most
+    void end() const;        // at once, in the middle of whatever it does
+
+private:
+    HANDLE ready_;
+    PROCESS_INFORMATION process_{};
+};
+
+std::wstring child_argument();
+void child_ready();
