@@ -33,19 +33,10 @@ CMemParam* CMemParam::make() noexcept {
     }
 }
 
-void* CMemParam::operator new(std::size_t size) { return block_alloc(size); }
-
-void CMemParam::operator delete(void* node, std::size_t size) noexcept { block_free(node, size); }
-
 unsigned CMemParam::InternalRelease() {
     if (--m_cRef != 0) return m_cRef;
     destroy(this);
     return 0;
-}
-
-int CMemParam::InternalQueryInterface(const std::type_info& iid, IQZUnknown** out) {
-    if (iid == typeid(IParam) || iid == typeid(IQZUnknown)) return AnswerQuery(this, out);
-    return AnswerQuery(interfaces_.find(iid), out);
 }
 
 // Children that die with their parent join the chain instead of being released one inside the other.

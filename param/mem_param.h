@@ -1,10 +1,9 @@
 // Parameter trees in memory.
 #pragma once
 
-#include "param/iface_registry.h"
 #include "param/name_list.h"
+#include "param/param_node.h"
 #include "param/param_path.h"
-#include "qzparam.h"
 #include "qzref.h"
 #include "qzvariant.h"
 
@@ -12,7 +11,7 @@ namespace qzr {
 
 // A node. It holds one reference of each child; it does not know its parent. Nodes are many: what an empty
 // one does not need is made on demand.
-class CMemParam final : public CQZUnknownImpl<IParam> {
+class CMemParam final : public ParamNode {
 public:
     // A node with one reference for the caller; null when there is no memory.
     static CMemParam* make() noexcept;
@@ -30,10 +29,6 @@ public:
     void Clear() override;
 
     unsigned InternalRelease() override;
-    int InternalQueryInterface(const std::type_info& iid, IQZUnknown** out) override;
-
-    static void* operator new(std::size_t size);
-    static void operator delete(void* node, std::size_t size) noexcept;
 
 private:
     struct ValueEntry : NameEntry {
@@ -43,7 +38,7 @@ private:
         CMemParam* child; // one reference owned; null in an orphan
     };
 
-    CMemParam() : interfaces_(*this) {}
+    CMemParam() = default;
     ~CMemParam() override = default; // emptied by destroy()
 
     ValueEntry* find_value(unsigned hash) const noexcept;
@@ -58,7 +53,6 @@ private:
     void release_children(CMemParam*& dying) noexcept;
     static void destroy(CMemParam* dying) noexcept;
 
-    IfaceRegistry interfaces_;
     CQZRef<NameList> values_;         // of ValueEntry; null in a node that never had one
     CQZRef<NameList> children_;       // of ChildEntry; the same
     CMemParam* next_dying_ = nullptr; // links nodes without references that wait for destroy()

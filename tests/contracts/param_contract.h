@@ -25,6 +25,10 @@ struct ParamDifferences {
     bool default_value_is_at = true;   // null and "" name the value "@"
     bool value_paths = true;           // "\" in a value's name separates levels
     bool drops_missing_node = true;    // OpenSubParam("a\b", 1) makes b when there is no a
+    bool makes_missing_nodes = true;   // CreateSubParam("a\\b") makes a too, and not only its name
+    bool deletes_by_path = false;      // "\" in DeleteSubParam's name separates levels
+    bool marks_nodes = false;          // each node has an empty value "@" from the start
+    bool clear_keeps_children = false; // emptied
     bool create_empties = true;        // CreateSubParam of an existing child
     bool miss_leaves_out_alone = true; // GetValue of what is not there
     bool deleted_child_is_gone = true; // and not only emptied
@@ -40,6 +44,13 @@ protected:
     std::vector<std::string> listed(CTEnum<const char*>* names) const {
         std::vector<std::string> all = take_names(names);
         if (!differs.ordered) std::sort(all.begin(), all.end());
+        return all;
+    }
+    std::vector<std::string> value_names(IParam& node) const {
+        std::vector<std::string> all = listed(node.EnumValues());
+        CQZVariant mark;
+        if (differs.marks_nodes && node.GetValue("@", &mark) != 0 && mark.vt == QZVT_EMPTY)
+            all.erase(std::remove(all.begin(), all.end(), "@"), all.end());
         return all;
     }
     std::string outline() const { return outline_of(*root, differs.ordered); }
@@ -85,7 +96,7 @@ TYPED_TEST_P(ParamContract, GivesBackValuesOfEveryType) {
         EXPECT_EQ(read.vt, sample.vt);
         EXPECT_TRUE(read == sample);
     }
-    EXPECT_EQ(this->listed(node->EnumValues()), Names{"value"});
+    EXPECT_EQ(this->value_names(*node), Names{"value"});
     node->DeleteValue("value"); // lets go of the object
 }
 
@@ -141,9 +152,9 @@ TYPED_TEST_P(ParamContract, KeepsTheDefaultValueUnderAt) {
             set_int(*this->root, names[stored], stored);
             EXPECT_EQ(get_int(*this->root, read), stored);
         }
-        EXPECT_EQ(this->listed(this->root->EnumValues()), Names{"@"});
+        EXPECT_EQ(this->value_names(*this->root), Names{"@"});
         this->root->DeleteValue(names[2 - stored]);
-        EXPECT_EQ(this->listed(this->root->EnumValues()), Names{});
+        EXPECT_EQ(this->value_names(*this->root), Names{});
     }
 }
 
@@ -151,25 +162,26 @@ TYPED_TEST_P(ParamContract, FollowsPaths) {
     struct Row {
         std::vector<Step> steps;
         const char* expected;
-        bool drops_node; // the row shows a missing first node being dropped
+        enum { kPlain, kMakesNodes, kDropsNode } missing = kPlain; // what it shows of missing first nodes
     };
     const Row rows[] = {
-        {{{"create", "a\\b"}}, "a{b{}}", false},
-        {{{"create", "a\\b"}, {"create", "a\\c"}}, "a{b{} c{}}", false},
-        {{{"create", "a"}, {"set", "a\\v"}}, "a{v=2}", false},
-        {{{"create", "a\\b\\c"}, {"set", "a\\b\\c\\v"}}, "a{b{c{v=2}}}", false},
-        {{{"set", "a\\v"}}, "a{v=1}", false},
-        {{{"open", "a\\b"}}, "", false},
-        {{{"make", "a"}, {"make", "a\\b"}}, "a{b{}}", false},
-        {{{"make", "a\\b"}}, "b{}", true},
-        {{{"set", "a\\b\\v"}}, "b{v=1}", true},
-        {{{"create", "a"}, {"set", "a\\b\\v"}}, "a{b{v=2}}", true},
-        {{{"make", "a\\b\\c"}}, "b{c{}}", true},
-        {{{"set", "a\\b\\c\\v"}}, "b{c{v=1}}", true},
-        {{{"create", "a"}, {"make", "a\\b\\c"}}, "a{c{}}", true},
+        {{{"create", "a\\b"}}, "a{b{}}", Row::kMakesNodes},
+        {{{"create", "a\\b"}, {"create", "a\\c"}}, "a{b{} c{}}", Row::kMakesNodes},
+        {{{"create", "a"}, {"set", "a\\v"}}, "a{v=2}"},
+        {{{"create", "a\\b\\c"}, {"set", "a\\b\\c\\v"}}, "a{b{c{v=2}}}", Row::kMakesNodes},
+        {{{"set", "a\\v"}}, "a{v=1}"},
+        {{{"open", "a\\b"}}, ""},
+        {{{"make", "a"}, {"make", "a\\b"}}, "a{b{}}"},
+        {{{"make", "a\\b"}}, "b{}", Row::kDropsNode},
+        {{{"set", "a\\b\\v"}}, "b{v=1}", Row::kDropsNode},
+        {{{"create", "a"}, {"set", "a\\b\\v"}}, "a{b{v=2}}", Row::kDropsNode},
+        {{{"make", "a\\b\\c"}}, "b{c{}}", Row::kDropsNode},
+        {{{"set", "a\\b\\c\\v"}}, "b{c{v=1}}", Row::kDropsNode},
+        {{{"create", "a"}, {"make", "a\\b\\c"}}, "a{c{}}", Row::kDropsNode},
     };
     for (const Row& row : rows) {
-        if (row.drops_node && !this->differs.drops_missing_node) continue;
+        if (row.missing == Row::kDropsNode && !this->differs.drops_missing_node) continue;
+        if (row.missing == Row::kMakesNodes && !this->differs.makes_missing_nodes) continue;
         if (!this->differs.value_paths && row.steps.back().what == "set") continue;
         this->root->Clear();
         for (const CQZRef<IParam>& node : children_of(*this->root))
@@ -183,19 +195,18 @@ TYPED_TEST_P(ParamContract, FollowsPaths) {
 }
 
 TYPED_TEST_P(ParamContract, TakesNoPathForDeleting) {
-    run_steps(*this->root, {{"create", "a"}, {"create", "a\\b"}, {"set", "a\\v"}});
+    run_steps(*this->root, {{"create", "a"}, {"create", "a\\b"}, {"put", "a\\v"}});
     this->root->DeleteSubParam("a\\none");
     this->root->DeleteValue("a\\none");
-    if (this->differs.deleted_child_is_gone && this->differs.value_paths) {
-        this->root->DeleteSubParam("a\\b");
-        this->root->DeleteValue("a\\v");
-    }
+    this->root->DeleteValue("a\\v");
     EXPECT_EQ(this->outline(), "a{v=3 b{}}");
+    this->root->DeleteSubParam("a\\b");
+    EXPECT_EQ(this->outline(), this->differs.deletes_by_path ? "a{v=3}" : "a{v=3 b{}}");
 }
 
 TYPED_TEST_P(ParamContract, DeletesOneOrAll) {
     const std::vector<Step> made = {
-        {"set", "v"}, {"set", "w"}, {"create", "a"}, {"set", "a\\x"}, {"create", "b"}};
+        {"set", "v"}, {"set", "w"}, {"create", "a"}, {"put", "a\\x"}, {"create", "b"}};
     const auto gone = [this](const char* when_gone, const char* when_left) {
         return this->differs.deleted_child_is_gone ? when_gone : when_left;
     };
@@ -209,19 +220,20 @@ TYPED_TEST_P(ParamContract, DeletesOneOrAll) {
     this->root->DeleteAllSubParams();
     EXPECT_EQ(this->outline(), gone("w=2", "w=2 a{} b{}"));
     this->root->DeleteAllValues();
-    EXPECT_EQ(this->listed(this->root->EnumValues()), Names{});
+    EXPECT_EQ(this->value_names(*this->root), Names{});
 }
 
 TYPED_TEST_P(ParamContract, ClearLeavesNothingToRead) {
-    run_steps(*this->root, {{"set", "v"}, {"create", "a"}, {"set", "a\\x"}});
+    run_steps(*this->root, {{"set", "v"}, {"create", "a"}, {"put", "a\\x"}});
     this->root->Clear();
-    EXPECT_EQ(this->listed(this->root->EnumValues()), Names{});
-    EXPECT_EQ(get_int(*this->root, "a\\x"), kNoValue);
+    EXPECT_EQ(this->value_names(*this->root), Names{});
+    EXPECT_EQ(this->outline(), this->differs.clear_keeps_children ? "a{}" : "");
 }
 
 TYPED_TEST_P(ParamContract, CreatingAnExistingChildEmptiesIt) {
-    run_steps(*this->root, {{"create", "a"}, {"set", "a\\v"}, {"create", "a\\b"}, {"create", "A"}});
-    EXPECT_EQ(this->outline(), this->differs.create_empties ? "a{}" : "a{v=2 b{}}");
+    run_steps(*this->root, {{"create", "a"}, {"put", "a\\v"}, {"create", "a\\b"}, {"create", "A"}});
+    const char* const emptied = this->differs.clear_keeps_children ? "a{b{}}" : "a{}";
+    EXPECT_EQ(this->outline(), this->differs.create_empties ? emptied : "a{v=2 b{}}");
 }
 
 TYPED_TEST_P(ParamContract, ListsNamesInOrder) {
@@ -232,13 +244,14 @@ TYPED_TEST_P(ParamContract, ListsNamesInOrder) {
     set_int(*this->root, "ALPHA", 2); // replacing does not move
     Names expected = {"delta", "alpha", "charlie", "bravo"};
     if (!this->differs.ordered) std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(this->listed(this->root->EnumValues()), expected);
+    EXPECT_EQ(this->value_names(*this->root), expected);
     EXPECT_EQ(this->listed(this->root->EnumSubParams()), expected);
 }
 
 TYPED_TEST_P(ParamContract, EnumeratorsKeepTheirNamesAndGoOn) {
     for (const char* const name : {"a", "b", "c"})
         set_int(*this->root, name, 1);
+    this->root->DeleteValue("@"); // a mark
     using Names_ = CQZRef<CTEnum<const char*>>;
     const Names_ one = Names_::Adopt(this->root->EnumValues());
     const Names_ two = Names_::Adopt(this->root->EnumValues());

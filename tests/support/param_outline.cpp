@@ -26,13 +26,21 @@ namespace {
 
 std::string shown_value(IParam& node, const std::string& name) {
     CQZVariant value;
-    if (node.GetValue(name.c_str(), &value) == 0) return name + "!";
-    return value.vt == QZVT_INT ? name + "=" + std::to_string(value.intVal) : name;
+    if (node.GetValue(name.c_str(), &value) == 0) return " " + name + "!";
+    if (value.vt == QZVT_EMPTY && name == "@") return "";
+    return " " + name + (value.vt == QZVT_INT ? "=" + std::to_string(value.intVal) : "");
 }
 
 std::string shown_child(IParam& node, const std::string& name, bool ordered) {
     const auto child = CQZRef<IParam>::Adopt(node.OpenSubParam(name.c_str(), 0));
     return child ? name + "{" + outline_of(*child, ordered) + "}" : name + "!";
+}
+
+// For trees that take "\" in a value's name as it is.
+void put_int(IParam& root, const std::string& path, int value) {
+    const std::size_t stop = path.rfind('\\');
+    const auto node = CQZRef<IParam>::Adopt(root.OpenSubParam(path.substr(0, stop).c_str(), 0));
+    set_int(*node, path.substr(stop + 1).c_str(), value);
 }
 
 } // namespace
@@ -46,7 +54,7 @@ std::string outline_of(IParam& node, bool ordered) {
     }
     std::string line;
     for (const std::string& name : values)
-        line += " " + shown_value(node, name);
+        line += shown_value(node, name);
     for (const std::string& name : children)
         line += " " + shown_child(node, name, ordered);
     return line.empty() ? line : line.substr(1);
@@ -71,6 +79,8 @@ std::string run_steps(IParam& root, const std::vector<Step>& steps) {
         done += what + " " + text + "; ";
         if (what == "set")
             set_int(root, name, number);
+        else if (what == "put")
+            put_int(root, text, number);
         else if (what == "delete")
             root.DeleteValue(name);
         else if (what == "drop")

@@ -13,7 +13,8 @@ std::vector<std::string> take_names(CTEnum<const char*>* names);
 std::vector<CQZRef<IParam>> children_of(IParam& node);
 
 // "v=5 w a{x=1 b{}}": values, integers with what they are, then children with theirs. A child that is listed
-// and does not open is "a!", such a value "v!". Sorted where a backend has no order of its own.
+// and does not open is "a!", such a value "v!". An empty value "@" is not shown: it marks nodes in INI files.
+// Sorted where a backend has no order of its own.
 std::string outline_of(IParam& node, bool ordered = true);
 
 void set_int(IParam& node, const char* name, int value);
@@ -22,7 +23,8 @@ constexpr int kNoValue = -99999;
 int get_int(IParam& node, const char* name); // kNoValue when it is not there or no integer
 
 // One operation: "create" (CreateSubParam), "make" (OpenSubParam, creating), "open" (not creating), "set" (an
-// integer value, the number of the step from 1 on), "clear", "delete" (DeleteValue), "drop" (DeleteSubParam).
+// integer value, the number of the step from 1 on), "put" (the same in the node that the path opens),
+// "clear", "delete" (DeleteValue), "drop" (DeleteSubParam).
 struct Step {
     std::string what;
     std::string name;
