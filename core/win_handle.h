@@ -70,4 +70,12 @@ struct FindTraits {
 };
 using FindHandle = WinHandle<FindTraits>;
 
+// The screen's device context.
+struct ScreenDcTraits {
+    using Handle = HDC;
+    static constexpr Handle kInvalid = nullptr;
+    static void close(Handle screen) noexcept { ReleaseDC(nullptr, screen); }
+};
+using ScreenDc = WinHandle<ScreenDcTraits>;
+
 } // namespace qzr

@@ -4,6 +4,7 @@
 
 QZR_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 QZR_JOBS=${QZR_JOBS:-$(nproc)}
+QZR_DISPLAY_PREFIX=$QZR_ROOT/build/wineprefix-display # of scripts/with_display
 
 say() { printf '%s\n' "$*"; }
 die() {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "core/library.h"
+#include "supp/dialog_font.h"
+#include "supp/dialog_layout.h"
 #include "supp/dictionary.h"
 
 namespace qzr {
@@ -12,6 +14,8 @@ struct TranslationContext {
     std::atomic<int> enabled = 1;             // the switch of the hooks
     std::atomic<unsigned long> code_page = 0; // 0 stands for the system's ANSI code page
     Dictionary dictionary;
+    DialogLayouts dialogs;
+    DialogFontChoice font;
 };
 
 inline TranslationContext& translation() noexcept { return *library().translation; }
