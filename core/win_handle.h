@@ -63,6 +63,14 @@ struct FileTraits {
 };
 using FileHandle = WinHandle<FileTraits>;
 
+// Views of files.
+struct ViewTraits {
+    using Handle = void*;
+    static constexpr Handle kInvalid = nullptr;
+    static void close(Handle view) noexcept { UnmapViewOfFile(view); }
+};
+using ViewHandle = WinHandle<ViewTraits>;
+
 struct FindTraits {
     using Handle = HANDLE;
     static inline const Handle kInvalid = INVALID_HANDLE_VALUE;

@@ -1,10 +1,9 @@
 // Finding the end of a line in bytes that lie in memory, 16 at a time.
 #pragma once
 
-#include "stream/typed_io.h"
-
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 #include <emmintrin.h>
 
@@ -15,22 +14,24 @@ inline __m128i equal_units(__m128i block, wchar_t c) {
     return _mm_cmpeq_epi16(block, _mm_set1_epi16(static_cast<short>(c)));
 }
 
-// The number of characters before the first that ends a line, at most count. They may lie at odd addresses.
-template <class Char>
+// The number of characters before the first that is one of Stops, at most count. They may lie at odd
+// addresses.
+template <class Char, Char... Stops>
 std::size_t line_run(const unsigned char* from, std::size_t count) {
     constexpr std::size_t kBlock = sizeof(__m128i) / sizeof(Char);
     std::size_t i = 0;
     for (; i + kBlock <= count; i += kBlock) {
         __m128i block;
         std::memcpy(&block, from + i * sizeof(Char), sizeof block);
-        const __m128i stops = _mm_or_si128(equal_units(block, Char(0)), equal_units(block, Char(10)));
+        __m128i stops = _mm_setzero_si128();
+        ((stops = _mm_or_si128(stops, equal_units(block, Stops))), ...);
         const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stops));
         if (mask != 0) return i + static_cast<unsigned>(std::countr_zero(mask)) / sizeof(Char);
     }
     for (; i < count; ++i) {
         Char c;
         std::memcpy(&c, from + i * sizeof(Char), sizeof c);
-        if (ends_stream_line(c)) return i;
+        if (((c == Stops) || ...)) return i;
     }
     return count;
 }

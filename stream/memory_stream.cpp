@@ -80,7 +80,8 @@ private:
         if (sink_ || max <= 0 || at_end()) return 0;
         const std::size_t left = (block_.size() - position_) / sizeof(Char);
         const unsigned char* from = block_.data() + position_;
-        const std::size_t run = line_run<Char>(from, std::min(left, static_cast<std::size_t>(max)));
+        const std::size_t run =
+            line_run<Char, Char(0), Char(10)>(from, std::min(left, static_cast<std::size_t>(max)));
         std::memcpy(buffer, from, run * sizeof(Char));
         position_ += static_cast<unsigned>(run * sizeof(Char));
         return static_cast<std::int64_t>(run);

@@ -1,8 +1,8 @@
 #include "variant/foreign_text.h"
 
+#include "core/readable_memory.h"
 #include "core/windows_lean.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -10,19 +10,9 @@ namespace qzr {
 
 namespace {
 
-// Bytes that may be read from address on, as far as the region goes that it lies in.
-std::size_t readable_bytes(const void* address) {
-    MEMORY_BASIC_INFORMATION region;
-    if (VirtualQuery(address, &region, sizeof region) == 0 || region.State != MEM_COMMIT) return 0;
-    constexpr DWORD kUnreadable = PAGE_NOACCESS | PAGE_GUARD | PAGE_EXECUTE;
-    if ((region.Protect & kUnreadable) != 0) return 0;
-    const auto start = reinterpret_cast<std::uintptr_t>(region.BaseAddress);
-    return start + region.RegionSize - reinterpret_cast<std::uintptr_t>(address);
-}
-
 // The system does the reading: another thread may take the memory away after it was asked for.
 std::size_t copy_readable(const void* address, char* buffer, std::size_t wanted) {
-    const std::size_t count = std::min(wanted, readable_bytes(address));
+    const std::size_t count = readable_bytes(address, wanted);
     SIZE_T copied = 0;
     if (count == 0 || !ReadProcessMemory(GetCurrentProcess(), address, buffer, count, &copied)) return 0;
     return copied;

@@ -1,0 +1,164 @@
+#include "fio/disk_file.h"
+
+#include "core/system_error.h"
+#include "fio/unfinished_mark.h"
+#include "qzfile.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace qzr {
+
+namespace {
+
+constexpr std::uint64_t kMostBytes = std::numeric_limits<unsigned>::max();
+constexpr std::uint64_t kPage = 4096;
+constexpr std::uint64_t kLeastStep = 64 << 10; // by which files grow
+constexpr std::uint64_t kMostRoomStep = 4 << 20;
+constexpr std::uint64_t kMostMarkStep = 16 << 20; // a mark costs no more for standing far away
+
+constinit unsigned char zeroes[64 << 10] = {}; // not const, so that the image does not carry them
+
+constexpr std::uint64_t round_up(std::uint64_t n, std::uint64_t unit) { return (n + unit - 1) / unit * unit; }
+
+bool has(int mode, QZFileMode bit) noexcept { return (mode & bit) != 0; }
+
+FileHandle open_file(const wchar_t* path, int mode) noexcept {
+    const DWORD hint = has(mode, QZFILE_RANDOM) ? FILE_FLAG_RANDOM_ACCESS : FILE_FLAG_SEQUENTIAL_SCAN;
+    if (!has(mode, QZFILE_WRITE)) {
+        constexpr DWORD kAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE;
+        return FileHandle(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, kAttributes | hint, nullptr));
+    }
+    const DWORD disposition = has(mode, QZFILE_KEEP) ? OPEN_EXISTING : CREATE_ALWAYS;
+    const DWORD attributes = has(mode, QZFILE_TEMPORARY)
+                                 ? DWORD{FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE}
+                                 : DWORD{FILE_ATTRIBUTE_ARCHIVE};
+    constexpr DWORD kShareWithNobody = 0;
+    return FileHandle(CreateFileW(path, GENERIC_READ | GENERIC_WRITE, kShareWithNobody, nullptr, disposition,
+                                  attributes | hint, nullptr));
+}
+
+OVERLAPPED at_offset(std::uint64_t offset) noexcept {
+    OVERLAPPED place = {};
+    place.Offset = static_cast<DWORD>(offset);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return place;
+}
+
+} // namespace
+
+QZFileOperation access_kind(int mode) noexcept { return has(mode, QZFILE_WRITE) ? QZOP_WRITE : QZOP_READ; }
+
+DiskFile::DiskFile(const wchar_t* path, int mode)
+    : path_(path), operation_(access_kind(mode)), handle_(open_file(path, mode)) {
+    if (!handle_) throw_file_error(operation_, path_);
+    // A console or a pipe has no size, and reading it would wait for somebody to type.
+    if (GetFileType(handle()) != FILE_TYPE_DISK) throw_file_error(operation_, path_, ERROR_INVALID_HANDLE);
+    LARGE_INTEGER size = {};
+    if (GetFileSizeEx(handle(), &size) == FALSE) throw_file_error(operation_, path_);
+    size_ = disk_end_ = static_cast<std::uint64_t>(size.QuadPart);
+    if (size_ > kMostBytes) throw CXFileException(QZERR_DISK_FULL, operation_, path_);
+}
+
+void DiskFile::write(std::uint64_t offset, const void* data, unsigned count) {
+    const std::uint64_t end = offset + count;
+    check(move_mark_behind(end));
+    const DWORD error = put(offset, data, count);
+    if (error != ERROR_SUCCESS) {
+        // What arrived behind the end must not show up when a later write leaves a gap there.
+        if (disk_end_ > size_) put_zeroes(size_, std::min(end, disk_end_));
+        check(error);
+    }
+    size_ = std::max(size_, end);
+}
+
+void DiskFile::make_room(std::uint64_t from, std::uint64_t end) {
+    const std::uint64_t step = std::clamp(size_, kLeastStep, kMostRoomStep);
+    const std::uint64_t ahead = round_up(std::max(end, size_ + step), kLeastStep);
+    const std::uint64_t start = std::max(from, size_);
+    if (fill_up_to(start, ahead) == ERROR_SUCCESS) return;
+    check(fill_up_to(start, end)); // what is left of the disk may do for now
+}
+
+void DiskFile::mark_unfinished() {
+    marked_ = true;
+    if (size_ != 0) check(move_mark_behind(size_));
+}
+
+void DiskFile::settle(std::uint64_t length) {
+    if (mark_end_ != 0) check(put_mark(mark_end_, length));
+    if (FlushFileBuffers(handle()) == FALSE) check(last_error());
+}
+
+DWORD DiskFile::close(std::uint64_t length) noexcept {
+    DWORD error = ERROR_SUCCESS;
+    if (handle_ && operation_ == QZOP_WRITE && disk_end_ != length) {
+        LARGE_INTEGER end = {};
+        end.QuadPart = static_cast<LONGLONG>(length);
+        if (SetFilePointerEx(handle(), end, nullptr, FILE_BEGIN) == FALSE || SetEndOfFile(handle()) == FALSE)
+            error = last_error();
+    }
+    handle_.reset();
+    return error;
+}
+
+// The system may write less than asked for on a disk that fills up; the next call tells why.
+DWORD DiskFile::put(std::uint64_t offset, const void* data, std::uint64_t count) noexcept {
+    const auto* from = static_cast<const unsigned char*>(data);
+    while (count != 0) {
+        OVERLAPPED place = at_offset(offset);
+        DWORD moved = 0;
+        const auto wanted = static_cast<DWORD>(count);
+        if (WriteFile(handle(), from, wanted, &moved, &place) == FALSE) return last_error();
+        if (moved == 0) return ERROR_DISK_FULL;
+        from += moved;
+        offset += moved;
+        count -= moved;
+        disk_end_ = std::max(disk_end_, offset);
+    }
+    return ERROR_SUCCESS;
+}
+
+DWORD DiskFile::put_zeroes(std::uint64_t from, std::uint64_t to) noexcept {
+    while (from < to) {
+        const std::uint64_t count = std::min<std::uint64_t>(to - from, sizeof zeroes);
+        if (const DWORD error = put(from, zeroes, count); error != ERROR_SUCCESS) return error;
+        from += count;
+    }
+    return ERROR_SUCCESS;
+}
+
+DWORD DiskFile::put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept {
+    UnfinishedMark mark = {{}, end, whole_size};
+    std::memcpy(mark.name, UnfinishedMark::kName, sizeof mark.name);
+    return put(end - sizeof mark, &mark, sizeof mark);
+}
+
+// The new mark stands before the old one goes, so at no time does the file end without.
+DWORD DiskFile::move_mark_behind(std::uint64_t end) noexcept {
+    const std::uint64_t needed = round_up(end + sizeof(UnfinishedMark), kPage);
+    if (!marked_ || end + sizeof(UnfinishedMark) <= mark_end_) return ERROR_SUCCESS;
+    const std::uint64_t step = mark_end_ != 0 ? std::clamp(mark_end_, kLeastStep, kMostMarkStep) : 0;
+    std::uint64_t next = std::max(needed, mark_end_ + step);
+    DWORD error = put_mark(next, UnfinishedMark::kNotWhole);
+    if (error != ERROR_SUCCESS && next != needed) error = put_mark(next = needed, UnfinishedMark::kNotWhole);
+    if (error == ERROR_SUCCESS && mark_end_ != 0)
+        error = put_zeroes(mark_end_ - sizeof(UnfinishedMark), mark_end_);
+    if (error == ERROR_SUCCESS) mark_end_ = next;
+    return error;
+}
+
+DWORD DiskFile::fill_up_to(std::uint64_t from, std::uint64_t end) noexcept {
+    DWORD error = move_mark_behind(end);
+    if (error == ERROR_SUCCESS) error = put_zeroes(from, end);
+    if (error == ERROR_SUCCESS) size_ = std::max(size_, end);
+    return error;
+}
+
+void DiskFile::check(DWORD error) const {
+    if (error != ERROR_SUCCESS) throw_file_error(operation_, path_, error);
+}
+
+} // namespace qzr

@@ -1,0 +1,173 @@
+#include "fio/out_file.h"
+
+#include "core/scope_exit.h"
+#include "fio/forwarded_file.h"
+#include "fio/mapped_file.h"
+#include "fio/temp_name.h"
+
+#include <memory>
+#include <new>
+
+namespace qzr {
+
+namespace {
+
+// Why a directory takes no temporary file. The table differs from that of files.
+QZError temp_file_error_code(DWORD error) noexcept {
+    switch (error) {
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_BAD_NETPATH:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_DIRECTORY:
+        return QZERR_BAD_PATH;
+    case ERROR_ACCESS_DENIED:
+        return QZERR_ACCESS;
+    case ERROR_NETNAME_DELETED:
+    case ERROR_NETWORK_ACCESS_DENIED:
+    case ERROR_BAD_DEV_TYPE:
+    case ERROR_BAD_NET_NAME:
+        return QZERR_NETWORK;
+    default:
+        return QZERR_MEMORY;
+    }
+}
+
+// A temporary file beside the target, deleted in the end unless it was given away.
+class TemporaryFile {
+public:
+    // Throws CXException.
+    explicit TemporaryFile(const wchar_t* target) {
+        const CXStringW directory = CXStringW(target).FilePath();
+        const DWORD error = make_temp_file(directory.GetSize() != 0 ? directory.GetData() : L".", path_);
+        if (error != ERROR_SUCCESS) throw CXException(temp_file_error_code(error));
+    }
+    ~TemporaryFile() {
+        if (!owned_) return;
+        try {
+            Fio_DeleteFile(path_);
+        } catch (const CXException&) {
+            // Nobody can be told; it stays behind, marked as unfinished.
+        }
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const wchar_t* path() const noexcept { return path_; }
+    void give_away() noexcept { owned_ = false; }
+
+private:
+    wchar_t path_[kPathUnits];
+    bool owned_ = true;
+};
+
+} // namespace
+
+class CXOutFile final : public ForwardedFile<CXOutFile, IXOutFile> {
+public:
+    CXOutFile(const wchar_t* target, int mode);
+    ~CXOutFile() override;
+
+    CXFile& inner() {
+        if (!inner_) throw CXFileException(QZERR_OTHER, QZOP_WRITE, target_.get());
+        return *inner_;
+    }
+    const wchar_t* GetName() override { return target_.get(); }
+    void Commit() override;
+
+private:
+    struct Discard {
+        void operator()(CXFile* file) const noexcept {
+            file->discard();
+            delete file;
+        }
+    };
+
+    void open_inner(int mode);
+    void finish_inner();
+    bool give_lock_back();
+    void rename_to_target(bool target_deleted);
+
+    const FilePath target_;
+    TemporaryFile temp_;
+    std::unique_ptr<CXFile, Discard> inner_; // on the temporary file; none once a commit began
+    bool locked_ = false;                    // a shared lock of the target is ours
+    bool lock_settled_ = false;              // a commit saw to the lock
+};
+
+// What was taken is given back when a later step fails: the destructor does not run then.
+CXOutFile::CXOutFile(const wchar_t* target, int mode) : target_(target, QZOP_WRITE), temp_(target_.get()) {
+    if (Fio_IsWritableFile(target_.get()) == 0) throw CXFileException(QZERR_ACCESS, QZOP_OPEN, target_.get());
+    // A temporary file that the system deletes when it is closed could never take the target's place.
+    mode = (mode & ~QZFILE_TEMPORARY) | QZFILE_WRITE;
+    if (Fio_IsFileExist(target_.get()) == 0) {
+        open_inner(mode & ~QZFILE_KEEP);
+        return;
+    }
+    if ((mode & QZFILE_KEEP) != 0) Fio_CopyFile(target_.get(), temp_.path(), 0);
+    Fio_LockFile(target_.get(), false);
+    ScopeExit unlock([this] { Fio_UnlockFile(target_.get(), false); });
+    open_inner(mode);
+    unlock.dismiss();
+    locked_ = true;
+}
+
+CXOutFile::~CXOutFile() {
+    inner_.reset();
+    if (lock_settled_) return;
+    try {
+        give_lock_back();
+    } catch (...) {
+        // Only exhausted memory comes this far. No exception leaves a destructor.
+    }
+}
+
+void CXOutFile::open_inner(int mode) {
+    inner_.reset(new CXFile(temp_.path(), mode));
+    inner_->begin_temporary();
+    inner_->go_to_end(); // of the copy; a new file has no other place
+}
+
+void CXOutFile::Commit() {
+    if (!inner_) return;
+    finish_inner();
+    const PathInUse in_use(target_.get());
+    const bool exists = give_lock_back();
+    lock_settled_ = true;
+    if (exists) Fio_DeleteFile(target_.get());
+    rename_to_target(exists);
+}
+
+// Whatever fails here, the file is gone afterwards, and the temporary file goes with this object.
+void CXOutFile::finish_inner() {
+    const std::unique_ptr<CXFile, Discard> file = std::move(inner_);
+    file->settle();
+    file->close();
+}
+
+// Gives a lock back for a target that exists, even one that came into being meanwhile: counts stop at 0. And
+// our own lock in any case. @return whether the target exists
+bool CXOutFile::give_lock_back() {
+    const bool exists = Fio_IsFileExist(target_.get()) != 0;
+    if (exists || locked_) Fio_UnlockFile(target_.get(), false);
+    locked_ = false;
+    return exists;
+}
+
+// With the target deleted the temporary file is the document: it stays when it cannot be renamed.
+void CXOutFile::rename_to_target(bool target_deleted) {
+    try {
+        Fio_RenameFile(temp_.path(), target_.get());
+    } catch (const CXFileException& e) {
+        if (target_deleted) temp_.give_away();
+        throw CXFileException(e.m_nCode, QZOP_RENAME, target_.get());
+    }
+    temp_.give_away();
+}
+
+IXOutFile* open_out_file(const wchar_t* target, int mode) {
+    if (Fio_IsFileExist(target) != 0 && Fio_IsWritableFile(target) == 0) throw CXException(QZERR_ACCESS);
+    return new (std::nothrow) CXOutFile(target, mode);
+}
+
+} // namespace qzr
