@@ -7,35 +7,33 @@
 
 namespace {
 
+// A file of its own for each one opened: several may be open in one test.
 struct LocalKind {
     using File = IXFile;
-    std::wstring name() { return folder.path(L"document"); }
+    std::wstring name() { return folder.path(std::to_wstring(opened)); }
     bool names(const std::wstring& failing) { return failing == name(); }
+    std::wstring new_file(std::string_view contents) {
+        return folder.file(std::to_wstring(++opened), contents);
+    }
 
     ScratchFolder folder;
+    int opened = 0;
 };
 
 struct MappedReadKind : LocalKind {
     static constexpr unsigned kAccess = 1;
     static constexpr FileWriting kWriting = FileWriting::kThrows;
     static constexpr bool kStaysInside = true;
-    IXFile* open(std::string_view contents) {
-        return Fio_Open(folder.file(L"document", contents).c_str(), QZFILE_READ);
-    }
+    IXFile* open(std::string_view contents) { return Fio_Open(new_file(contents).c_str(), QZFILE_READ); }
 };
 
 struct MappedWriteKind : LocalKind {
     static constexpr unsigned kAccess = 2;
     static constexpr FileWriting kWriting = FileWriting::kWrites;
     static constexpr bool kStaysInside = false;
-    // Two files of one test may be open at once, and a written file is shared with nobody.
-    std::wstring name() { return folder.path(std::to_wstring(opened)); }
-    bool names(const std::wstring& failing) { return failing == name(); }
     IXFile* open(std::string_view contents) {
-        const std::wstring path = folder.file(std::to_wstring(++opened), contents);
-        return Fio_Open(path.c_str(), QZFILE_WRITE | QZFILE_KEEP | QZFILE_RANDOM);
+        return Fio_Open(new_file(contents).c_str(), QZFILE_WRITE | QZFILE_KEEP | QZFILE_RANDOM);
     }
-    int opened = 0;
 };
 
 struct OutputKind : LocalKind {
@@ -43,16 +41,13 @@ struct OutputKind : LocalKind {
     static constexpr unsigned kAccess = 2;
     static constexpr FileWriting kWriting = FileWriting::kWrites;
     static constexpr bool kStaysInside = false;
-    std::wstring name() { return folder.path(std::to_wstring(opened)); }
     bool names(const std::wstring& failing) { return failing.find(L"\\QZP") != std::wstring::npos; }
     IXOutFile* open(std::string_view contents) {
-        const std::wstring path = folder.file(std::to_wstring(++opened), contents);
-        IXOutFile* const file = Fio_OpenOut(path.c_str(), QZFILE_WRITE | QZFILE_KEEP);
+        IXOutFile* const file = Fio_OpenOut(new_file(contents).c_str(), QZFILE_WRITE | QZFILE_KEEP);
         EXPECT_EQ(file->GetPosition(), contents.size());
         file->Seek(0, 0);
         return file;
     }
-    int opened = 0;
 };
 
 template <class Interface>
