@@ -77,6 +77,13 @@ struct FindTraits {
     static void close(Handle search) noexcept { FindClose(search); }
 };
 using FindHandle = WinHandle<FindTraits>;
+// Movable memory of the system.
+struct GlobalMemoryTraits {
+    using Handle = HGLOBAL;
+    static constexpr Handle kInvalid = nullptr;
+    static void close(Handle memory) noexcept { GlobalFree(memory); }
+};
+using GlobalMemory = WinHandle<GlobalMemoryTraits>;
 
 // The screen's device context.
 struct ScreenDcTraits {

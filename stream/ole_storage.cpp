@@ -1,0 +1,109 @@
+#include "stream/ole_storage.h"
+
+#include "stream/element_name.h"
+#include "stream/ole_stream.h"
+#include "stream/stg_error.h"
+#include "stream/storage_enum.h"
+
+#include <new>
+#include <utility>
+
+namespace qzr {
+
+// --- life ----------------------------------------------------------------------------------------------
+
+CStorage::CStorage(const wchar_t* path, int mode, PlatformStorage storage, CStorage* parent)
+    : path_(path), mode_(mode), storage_(std::move(storage)), parent_(CQZRef<CStorage>::Share(parent)) {}
+
+CStorage::~CStorage() { Commit(); }
+
+CQZRef<CStorage> CStorage::make(const wchar_t* path, int mode, PlatformStorage storage, CStorage* parent) {
+    auto* const made = new (std::nothrow) CStorage(path, mode, std::move(storage), parent);
+    if (made == nullptr) throw CXMemException();
+    return CQZRef<CStorage>::Adopt(made);
+}
+
+// The parent goes after its child. The loop keeps a chain of many levels from being released one inside the
+// other.
+unsigned CStorage::InternalRelease() {
+    if (--m_cRef != 0) return m_cRef;
+    for (CStorage* dying = this; dying != nullptr;) {
+        CStorage* const parent = dying->parent_.Detach();
+        delete dying;
+        dying = parent != nullptr && --parent->m_cRef == 0 ? parent : nullptr;
+    }
+    return 0;
+}
+
+int CStorage::Commit() { return mode_ != QZSTORAGE_READ_ONLY ? storage_->Commit(STGC_DEFAULT) : S_OK; }
+
+IXStorage* CStorage::GetParent() { return CQZRef<CStorage>(parent_).Detach(); }
+
+// --- storages ------------------------------------------------------------------------------------------
+
+IXStorage* CStorage::child(PlatformStorage storage) {
+    return make(path_.GetData(), mode_, std::move(storage), this).Detach();
+}
+
+IXStorage* CStorage::CreateStorage(const char* name) {
+    const WideElementName element(name);
+    PlatformStorage made;
+    check_storage(
+        storage_->CreateStorage(element.text(), storage_flags(mode_) | STGM_CREATE, 0, 0, made.Put()),
+        QZOP_OPEN, element.text());
+    return child(std::move(made));
+}
+
+IXStorage* CStorage::OpenStorage(const char* name) {
+    const WideElementName element(name);
+    PlatformStorage opened;
+    check_storage(
+        storage_->OpenStorage(element.text(), nullptr, storage_flags(mode_), nullptr, 0, opened.Put()),
+        QZOP_OPEN, element.text());
+    return child(std::move(opened));
+}
+
+// --- streams -------------------------------------------------------------------------------------------
+
+IXStream* CStorage::stream(HRESULT result, PlatformStream stream, const wchar_t* name) {
+    if (FAILED(result)) return nullptr;
+    auto* const made = new (std::nothrow) CStream(std::move(stream), name);
+    if (made == nullptr) throw CXMemException();
+    return made;
+}
+
+IXStream* CStorage::CreateStream(const char* name) {
+    const WideElementName element(name);
+    PlatformStream made;
+    const HRESULT result =
+        storage_->CreateStream(element.text(), access_flags(mode_) | STGM_CREATE, 0, 0, made.Put());
+    return stream(result, std::move(made), element.text());
+}
+
+IXStream* CStorage::OpenStream(const char* name) {
+    const WideElementName element(name);
+    PlatformStream opened;
+    const HRESULT result =
+        storage_->OpenStream(element.text(), nullptr, access_flags(mode_), 0, opened.Put());
+    return stream(result, std::move(opened), element.text());
+}
+
+// --- both ----------------------------------------------------------------------------------------------
+
+void CStorage::destroy(const char* name) {
+    check_storage(storage_->DestroyElement(WideElementName(name).text()), QZOP_REMOVE_ELEMENT, nullptr);
+}
+
+// The platform removes what has the name, whichever of the two it is.
+void CStorage::DestroyStorage(const char* name) { destroy(name); }
+void CStorage::DestroyStream(const char* name) { destroy(name); }
+
+CTEnum<const char*>* CStorage::EnumStorages() { return enum_elements(*storage_, STGTY_STORAGE); }
+CTEnum<const char*>* CStorage::EnumStreams() { return enum_elements(*storage_, STGTY_STREAM); }
+
+} // namespace qzr
+
+void* Storage_GetOLEStorage(IXStorage* storage) {
+    const auto* const ours = dynamic_cast<qzr::CStorage*>(storage);
+    return ours != nullptr ? qzr::PlatformStorage::Share(ours->platform()).Detach() : nullptr;
+}

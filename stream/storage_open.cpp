@@ -1,0 +1,39 @@
+// Opening compound files, and wrapping storages that come from outside.
+#include "stream/ole_storage.h"
+#include "stream/stg_error.h"
+
+#include <utility>
+
+namespace qzr {
+
+namespace {
+
+IXStorage* open_compound_file(const wchar_t* path, int mode) {
+    const int storage_mode = mode == 0 ? QZSTORAGE_TRANSACTED : QZSTORAGE_READ_ONLY;
+    PlatformStorage opened;
+    check_storage(StgOpenStorage(path, nullptr, storage_flags(storage_mode), nullptr, 0, opened.Put()),
+                  QZOP_OPEN, path);
+    return CStorage::make(path, storage_mode, std::move(opened)).Detach();
+}
+
+// What the platform's own mode says in ours.
+int storage_mode_of(DWORD platform_mode) {
+    const bool writable = (platform_mode & (STGM_WRITE | STGM_READWRITE)) != 0;
+    return ((platform_mode & STGM_TRANSACTED) != 0 ? QZSTORAGE_TRANSACTED : 0) |
+           (writable ? 0 : QZSTORAGE_READ_ONLY);
+}
+
+} // namespace
+
+} // namespace qzr
+
+IXStorage* open_Storage(const wchar_t* path, int mode) { return qzr::open_compound_file(path, mode); }
+
+IXStorage* new_StorageByOleStorage(void* platformStorage) {
+    using namespace qzr;
+    auto storage = PlatformStorage::Share(static_cast<IStorage*>(platformStorage));
+    STATSTG statistics = {};
+    check_storage(storage ? storage->Stat(&statistics, STATFLAG_NONAME) : STG_E_INVALIDPOINTER, QZOP_OPEN,
+                  nullptr);
+    return CStorage::make(L"", storage_mode_of(statistics.grfMode), std::move(storage)).Detach();
+}
