@@ -77,6 +77,7 @@ struct FindTraits {
     static void close(Handle search) noexcept { FindClose(search); }
 };
 using FindHandle = WinHandle<FindTraits>;
+
 // Movable memory of the system.
 struct GlobalMemoryTraits {
     using Handle = HGLOBAL;

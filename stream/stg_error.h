@@ -37,7 +37,7 @@ constexpr QZError storage_error_code(HRESULT result) noexcept {
     case STG_E_UNIMPLEMENTEDFUNCTION:
     case STG_E_OLDFORMAT:
     case STG_E_OLDDLL:
-    case STG_E_NOTFILEBASEDSTORAGE:
+    case STG_E_EXTANTMARSHALLINGS:
         return QZERR_OTHER;
     case STG_E_INVALIDNAME:
         return QZERR_BAD_PATH;

@@ -38,6 +38,8 @@ HRESULT make_byte_array(ByteArray& array) {
 
 // The storage holds the only reference to its byte array.
 HRESULT create_in_memory(int mode, PlatformStorage& created) {
+    // Of a file the platform says so itself, of a byte array not everywhere.
+    if ((mode & QZSTORAGE_READ_ONLY) != 0) return STG_E_INVALIDFLAG;
     ByteArray array;
     const HRESULT result = make_byte_array(array);
     if (FAILED(result)) return result;

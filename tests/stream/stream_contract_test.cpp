@@ -1,6 +1,12 @@
-// The contract suites over the streams in memory.
+// The contract suites over the streams in memory, of storages and of the platform.
 #include "contracts/stream_contract.h"
 #include "contracts/stream_variant_contract.h"
+#include "support/scratch_folder.h"
+#include "support/storages.h"
+
+#include <list>
+
+#include <objbase.h>
 
 extern "C" __declspec(dllexport) int TestNote(IQZUnknown*, const std::type_info& iid, IQZUnknown** out) {
     return test::PersistentNote::create(iid, out);
@@ -25,9 +31,54 @@ struct WatchedMemoryKind : MemoryKind {
     CQZRef<PatientSink> sink = CQZRef<PatientSink>::Adopt(new PatientSink);
 };
 
+// Each stream lies in a storage of its own: one storage opens a stream only once. The first storage is kept,
+// and of the others as many as a test uses at a time.
+struct StorageKind {
+    static constexpr const wchar_t* kName = L"stream";
+    static constexpr bool kStaysInside = false;
+    static constexpr bool kFirstHalfOfWideText = false;
+    IXStream* open() {
+        const std::string name = std::to_string(opened++);
+        storages.push_back(StorageRef::Adopt(root->CreateStorage(name.c_str())));
+        if (storages.size() > 8) storages.erase(std::next(storages.begin()));
+        return storages.back()->CreateStream("stream");
+    }
+    int opened = 0;
+    StorageRef root = memory_storage();
+    std::list<StorageRef> storages;
+};
+
+struct TransactedFileKind : StorageKind {
+    TransactedFileKind() {
+        root = StorageRef::Adopt(new_Storage(folder.path(L"file").c_str(), QZSTORAGE_TRANSACTED));
+    }
+    ~TransactedFileKind() {
+        storages.clear();
+        root.Reset();
+    }
+    ScratchFolder folder;
+};
+
+struct PlatformKind {
+    static constexpr const wchar_t* kName = L"OLE stream";
+    static constexpr bool kStaysInside = false;
+    static constexpr bool kFirstHalfOfWideText = false;
+    IXStream* open() {
+        CQZRef<IStream> platform;
+        EXPECT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, platform.Put()), S_OK);
+        return new_StreamByOleStream(platform.Get());
+    }
+};
+
 } // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, StreamContract, MemoryKind);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, StreamVariantContract, MemoryKind);
 INSTANTIATE_TYPED_TEST_SUITE_P(WatchedMemory, StreamContract, WatchedMemoryKind);
 INSTANTIATE_TYPED_TEST_SUITE_P(WatchedMemory, StreamVariantContract, WatchedMemoryKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(Storage, StreamContract, StorageKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(Storage, StreamVariantContract, StorageKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, StreamContract, TransactedFileKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, StreamVariantContract, TransactedFileKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(Platform, StreamContract, PlatformKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(Platform, StreamVariantContract, PlatformKind);
