@@ -3,33 +3,26 @@
 #include "core/windows_lean.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace qzr {
 
-namespace {
-
-// As far as the region goes that the address lies in.
-std::size_t readable_in_region(const void* address) noexcept {
+MemoryRegion readable_region(const void* address) noexcept {
     MEMORY_BASIC_INFORMATION region;
-    if (VirtualQuery(address, &region, sizeof region) == 0 || region.State != MEM_COMMIT) return 0;
+    if (VirtualQuery(address, &region, sizeof region) == 0 || region.State != MEM_COMMIT) return {};
     constexpr DWORD kUnreadable = PAGE_NOACCESS | PAGE_GUARD | PAGE_EXECUTE;
-    if ((region.Protect & kUnreadable) != 0) return 0;
-    const auto start = reinterpret_cast<std::uintptr_t>(region.BaseAddress);
-    return start + region.RegionSize - reinterpret_cast<std::uintptr_t>(address);
+    if ((region.Protect & kUnreadable) != 0) return {};
+    return {static_cast<const std::byte*>(region.BaseAddress) + region.RegionSize, region.AllocationBase};
 }
 
-} // namespace
-
-std::size_t readable_bytes(const void* address, std::size_t wanted) noexcept {
-    const auto start = reinterpret_cast<std::uintptr_t>(address);
+std::size_t readable_bytes(const void* address, std::size_t most) noexcept {
+    const auto* const start = static_cast<const std::byte*>(address);
     std::size_t found = 0;
-    while (found < wanted) {
-        const std::size_t more = readable_in_region(reinterpret_cast<const void*>(start + found));
-        if (more == 0) break;
-        found += std::min(more, wanted - found);
+    while (found < most) {
+        const std::byte* const end = readable_region(start + found).end;
+        if (end == nullptr) break;
+        found = static_cast<std::size_t>(end - start);
     }
-    return found;
+    return std::min(found, most);
 }
 
 } // namespace qzr

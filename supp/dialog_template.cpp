@@ -1,0 +1,183 @@
+#include "supp/dialog_template.h"
+
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+
+namespace qzr {
+
+namespace {
+
+using Unit = std::uint16_t;
+
+// The parts of both layouts that have a fixed size, in bytes from their start.
+struct Layout {
+    std::size_t header;
+    std::size_t style; // within the header
+    std::size_t count; // of items, within the header
+    std::size_t font;  // between the point size and the face name
+    std::size_t item;
+};
+constexpr Layout kPlain = {18, 0, 8, 0, 18};
+constexpr Layout kExtended = {26, 12, 16, 4, 24};
+
+constexpr Unit kOrdinalMark = 0xFFFF;       // the next unit is an identifier, no text
+constexpr Unit kMessageBoxFont = 0x7FFF;    // a point size that stands for the font of message boxes
+constexpr std::uint32_t kStyleFont = 0x40;  // DS_SETFONT
+constexpr std::size_t kLongestText = 65535; // units
+
+// What the size in front of an item's creation data counts. The plain layout counts the two bytes of the size
+// too, but tools wrote it both ways.
+enum class CreationSize { with_itself, alone };
+
+// Copies from left to right. After a failure, which is kept, reads give zeroes.
+class Rewriter {
+public:
+    Rewriter(const void* data, std::size_t size, const DialogTextTranslator& translator,
+             Vector<std::byte>& copy)
+        : next_(static_cast<const std::byte*>(data)),
+          end_(next_ + size),
+          translator_(translator),
+          copy_(copy) {
+        copy_.clear();
+    }
+
+    bool run(const Layout& layout, CreationSize creation_size) {
+        const std::byte* const header = copy_bytes(layout.header);
+        if (header == nullptr) return false;
+        copy_name(); // of the menu
+        copy_name(); // of the class
+        copy_text();
+        if ((read<std::uint32_t>(header + layout.style) & kStyleFont) != 0) copy_font(layout);
+        for (unsigned left = read<Unit>(header + layout.count); left != 0 && sound_; --left)
+            copy_item(layout, creation_size);
+        return sound_;
+    }
+
+private:
+    template <class T>
+    static T read(const std::byte* from) noexcept {
+        T value;
+        std::memcpy(&value, from, sizeof value);
+        return value;
+    }
+
+    std::size_t left() const noexcept { return static_cast<std::size_t>(end_ - next_); }
+
+    void put(const void* bytes, std::size_t n) {
+        const auto* const from = static_cast<const std::byte*>(bytes);
+        copy_.insert(copy_.end(), from, from + n);
+    }
+
+    // @return the bytes in the original; null when there are not as many.
+    const std::byte* copy_bytes(std::size_t n) {
+        if (!sound_ || n > left()) {
+            sound_ = false;
+            return nullptr;
+        }
+        put(next_, n);
+        next_ += n;
+        return next_ - n;
+    }
+
+    Unit copy_unit() {
+        const std::byte* const unit = copy_bytes(sizeof(Unit));
+        return unit != nullptr ? read<Unit>(unit) : Unit{0};
+    }
+
+    Unit peek_unit() const noexcept { return sound_ && left() >= sizeof(Unit) ? read<Unit>(next_) : Unit{0}; }
+
+    // Reads a text and its zero into text_.
+    void read_text() {
+        text_.clear();
+        while (sound_ && text_.size() <= kLongestText && left() >= sizeof(Unit)) {
+            text_.push_back(static_cast<wchar_t>(read<Unit>(next_)));
+            next_ += sizeof(Unit);
+            if (text_.back() == 0) return;
+        }
+        sound_ = false;
+    }
+
+    void put_text(const wchar_t* text) { put(text, (std::wcslen(text) + 1) * sizeof *text); }
+
+    void copy_text() {
+        read_text();
+        if (!sound_) return;
+        const wchar_t* translated = text_.front() != 0 ? translator_(text_.data()) : nullptr;
+        // A translation that began like an identifier would be taken for one.
+        const bool usable = translated != nullptr && *translated != 0 && *translated != kOrdinalMark;
+        put_text(usable ? translated : text_.data());
+    }
+
+    void copy_name() {
+        if (copy_ordinal()) return;
+        read_text();
+        if (sound_) put_text(text_.data());
+    }
+
+    bool copy_ordinal() {
+        if (peek_unit() != kOrdinalMark) return false;
+        copy_bytes(2 * sizeof(Unit));
+        return true;
+    }
+
+    void copy_font(const Layout& layout) {
+        if (copy_unit() == kMessageBoxFont) return;
+        copy_bytes(layout.font);
+        copy_name();
+    }
+
+    void align() {
+        constexpr std::size_t kBoundary = 4;
+        const std::size_t gap = (0 - reinterpret_cast<std::uintptr_t>(next_)) % kBoundary;
+        if (gap > left()) {
+            sound_ = false;
+            return;
+        }
+        next_ += gap;
+        copy_.resize((copy_.size() + kBoundary - 1) / kBoundary * kBoundary);
+    }
+
+    void copy_item(const Layout& layout, CreationSize creation_size) {
+        align();
+        copy_bytes(layout.item);
+        sound_ = sound_ && peek_unit() != 0; // every control has a class
+        copy_name();
+        if (!copy_ordinal()) copy_text();
+        copy_creation_data(creation_size);
+    }
+
+    void copy_creation_data(CreationSize creation_size) {
+        std::size_t size = copy_unit();
+        if (size != 0 && creation_size == CreationSize::with_itself) {
+            sound_ = sound_ && size >= sizeof(Unit);
+            size -= sizeof(Unit);
+        }
+        if (sound_) copy_bytes(size);
+    }
+
+    const std::byte* next_;
+    const std::byte* end_;
+    const DialogTextTranslator& translator_;
+    Vector<std::byte>& copy_;
+    Vector<wchar_t> text_;
+    bool sound_ = true;
+};
+
+bool is_extended(const void* data, std::size_t size) noexcept {
+    constexpr Unit kMark[] = {1, 0xFFFF}; // version, signature
+    return size >= sizeof kMark && std::memcmp(data, kMark, sizeof kMark) == 0;
+}
+
+} // namespace
+
+bool translate_dialog_template(const void* data, std::size_t size, const DialogTextTranslator& translator,
+                               Vector<std::byte>& copy) {
+    const auto run = [&](const Layout& layout, CreationSize creation_size) {
+        return Rewriter(data, size, translator, copy).run(layout, creation_size);
+    };
+    if (is_extended(data, size)) return run(kExtended, CreationSize::alone);
+    return run(kPlain, CreationSize::with_itself) || run(kPlain, CreationSize::alone);
+}
+
+} // namespace qzr

@@ -1,0 +1,207 @@
+// Dialog templates with other texts: bytes in, bytes out.
+#include "supp/dialog_template.h"
+
+#include "tests/fuzz/mutation.h"
+#include "tests/support/hex.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace qzr;
+
+// Bytes that end where unreadable memory begins.
+class FencedBytes {
+public:
+    explicit FencedBytes(std::size_t most) : pages_((most + kPage - 1) / kPage) {
+        memory_ = static_cast<char*>(VirtualAlloc(nullptr, (pages_ + 1) * kPage, MEM_RESERVE, PAGE_NOACCESS));
+        VirtualAlloc(memory_, pages_ * kPage, MEM_COMMIT, PAGE_READWRITE);
+    }
+    ~FencedBytes() { VirtualFree(memory_, 0, MEM_RELEASE); }
+    FencedBytes(const FencedBytes&) = delete;
+    FencedBytes& operator=(const FencedBytes&) = delete;
+
+    const char* put(const std::string& bytes) {
+        char* const place = memory_ + pages_ * kPage - bytes.size();
+        std::memcpy(place, bytes.data(), bytes.size());
+        return place;
+    }
+
+private:
+    static constexpr std::size_t kPage = 4096;
+    std::size_t pages_;
+    char* memory_;
+};
+
+// "Yes" becomes "Oui!!", so that everything behind it moves.
+const wchar_t* to_french(const wchar_t* text) {
+    if (std::wcscmp(text, L"Yes") == 0) return L"Oui!!";
+    if (std::wcscmp(text, L"nothing") == 0) return L"";
+    if (std::wcscmp(text, L"mark") == 0) return L"\xFFFF\x0001";
+    return nullptr;
+}
+
+// A text as it stands in a template: 16-bit units and a zero.
+std::string wide(const char* text) {
+    std::string bytes;
+    for (const char* p = text;; ++p) {
+        bytes += *p;
+        bytes += '\0';
+        if (*p == 0) return bytes;
+    }
+}
+
+std::string hex(const char* digits) { return test::from_hex(digits); }
+
+// Starts of templates: their styles (with and without a font), counts of items, and positions.
+std::string plain(const char* style, const char* count) {
+    return hex(style) + hex("00 00 00 00") + hex(count) + hex("01 00 02 00 64 00 32 00");
+}
+std::string extended(const char* style, const char* count) {
+    return hex("01 00 ff ff 07 00 00 00 00 00 01 00") + hex(style) + hex(count) +
+           hex("01 00 02 00 64 00 32 00");
+}
+const char* const kFont = "40 00 c8 80";
+const char* const kNoFont = "00 00 c8 80";
+const std::string kNoNames = hex("00 00 00 00"); // neither a menu nor a class
+
+const std::string kPlainItem = hex("00 00 01 50 04 00 00 00 05 00 06 00 07 00 08 00 65 00");
+const std::string kExtendedItem =
+    hex("63 00 00 00 04 00 00 00 00 00 01 50 05 00 06 00 07 00 08 00 65 00 00 00");
+const std::string kButton = hex("ff ff 80 00");
+const std::string kNoData = hex("00 00");
+const std::string kPad = hex("00 00");
+
+struct Row {
+    const char* name;
+    std::string in;
+    std::string out; // empty: damaged
+};
+
+const std::vector<Row>& rows() {
+    static const std::vector<Row> all = {
+        {"plain, only a caption", plain(kNoFont, "00 00") + kNoNames + wide("Yes"),
+         plain(kNoFont, "00 00") + kNoNames + wide("Oui!!")},
+        {"extended, only a caption", extended(kNoFont, "00 00") + kNoNames + wide("Yes"),
+         extended(kNoFont, "00 00") + kNoNames + wide("Oui!!")},
+        {"texts without a translation, or with an unusable one",
+         plain(kNoFont, "02 00") + kNoNames + wide("No") + kPlainItem + kButton + wide("nothing") + kNoData +
+             kPlainItem + kButton + wide("mark") + kNoData,
+         plain(kNoFont, "02 00") + kNoNames + wide("No") + kPlainItem + kButton + wide("nothing") + kNoData +
+             kPlainItem + kButton + wide("mark") + kNoData},
+        {"plain, names and a font are no texts",
+         plain(kFont, "00 00") + wide("Yes") + wide("Yes") + wide("Yes") + hex("08 00") + wide("Yes"),
+         plain(kFont, "00 00") + wide("Yes") + wide("Yes") + wide("Oui!!") + hex("08 00") + wide("Yes")},
+        {"extended, a menu by number and a font",
+         extended(kFont, "00 00") + hex("ff ff 59 00") + hex("00 00") + wide("Yes") +
+             hex("08 00 90 01 00 01") + wide("Yes"),
+         extended(kFont, "00 00") + hex("ff ff 59 00") + hex("00 00") + wide("Oui!!") +
+             hex("08 00 90 01 00 01") + wide("Yes")},
+        {"extended, the font of message boxes has no name",
+         extended(kFont, "01 00") + kNoNames + wide("Yes") + hex("ff 7f") + kPad + kExtendedItem + kButton +
+             wide("Yes") + kNoData,
+         extended(kFont, "01 00") + kNoNames + wide("Oui!!") + hex("ff 7f") + kPad + kExtendedItem + kButton +
+             wide("Oui!!") + kNoData},
+        // 18 + 4 + 8 = 30 bytes and two of padding; in the copy 34 and two. Each item then takes 18 + 4 + 8 +
+        // 2 = 32, in the copy 36.
+        {"plain, items move and stay aligned",
+         plain(kNoFont, "02 00") + kNoNames + wide("Yes") + kPad + kPlainItem + kButton + wide("Yes") +
+             kNoData + kPlainItem + wide("Yes") + wide("") + kNoData,
+         plain(kNoFont, "02 00") + kNoNames + wide("Oui!!") + kPad + kPlainItem + kButton + wide("Oui!!") +
+             kNoData + kPlainItem + wide("Yes") + wide("") + kNoData},
+        // The header takes 26 + 4 + 8 = 38 bytes, in the copy 42; data of an odd length ends in padding.
+        {"extended, creation data and texts by number",
+         extended(kNoFont, "03 00") + kNoNames + wide("Yes") + kPad + kExtendedItem + kButton + wide("Yes") +
+             hex("03 00 'abc'") + hex("00 00 00") + kExtendedItem + kButton + hex("ff ff 09 00 00 00") +
+             kPad + kExtendedItem + kButton + wide("Yes") + kNoData,
+         extended(kNoFont, "03 00") + kNoNames + wide("Oui!!") + kPad + kExtendedItem + kButton +
+             wide("Oui!!") + hex("03 00 'abc'") + hex("00 00 00") + kExtendedItem + kButton +
+             hex("ff ff 09 00 00 00") + kPad + kExtendedItem + kButton + wide("Oui!!") + kNoData},
+        // The size counts itself: 6 is four bytes of data.
+        {"plain, creation data",
+         plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + kButton + wide("") +
+             hex("06 00 'abcd'") + kPad + kPlainItem + kButton + wide("Yes") + kNoData,
+         plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + kButton + wide("") +
+             hex("06 00 'abcd'") + kPad + kPlainItem + kButton + wide("Oui!!") + kNoData},
+        // It counts the data alone: read the other way the second item would have no class.
+        {"plain, creation data of other tools",
+         plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + kButton + wide("Y") +
+             hex("04 00 00 00 00 00") + kPad + kPlainItem + kButton + wide("Yes") + kNoData,
+         plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + kButton + wide("Y") +
+             hex("04 00 00 00 00 00") + kPad + kPlainItem + kButton + wide("Oui!!") + kNoData},
+        {"nothing", "", ""},
+        {"a part of a header", plain(kNoFont, "00 00").substr(0, 17), ""},
+        {"a caption without its end", plain(kNoFont, "00 00") + kNoNames + hex("59 00 65 00"), ""},
+        {"more items than there are",
+         plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + kButton + wide("") + kNoData, ""},
+        {"65535 items that are not there", plain(kNoFont, "ff ff") + kNoNames + wide(""), ""},
+        {"a control without a class",
+         plain(kNoFont, "01 00") + kNoNames + wide("") + kPlainItem + hex("00 00") + wide("x") + kNoData, ""},
+        {"more creation data than there is",
+         extended(kNoFont, "01 00") + kNoNames + wide("") + kPad + kExtendedItem + kButton + wide("") +
+             hex("ff ff 'abc'"),
+         ""},
+        {"half a number", plain(kNoFont, "00 00") + hex("ff ff 01"), ""},
+    };
+    return all;
+}
+
+TEST(DialogTemplate, TextsAreReplacedAndTheRestStays) {
+    FencedBytes fenced(1000);
+    for (const Row& row : rows()) {
+        SCOPED_TRACE(row.name);
+        // Rows end without padding; the place of their first byte decides where items are aligned.
+        std::string in = row.in;
+        while (in.size() % 4 != 0)
+            in += '\xEE';
+        Vector<std::byte> copy;
+        const bool sound = translate_dialog_template(fenced.put(in), row.in.size(), to_french, copy);
+        EXPECT_EQ(sound, !row.out.empty());
+        if (sound) {
+            const std::string out(reinterpret_cast<const char*>(copy.data()), copy.size());
+            EXPECT_EQ(test::to_hex(out), test::to_hex(row.out));
+        }
+    }
+}
+
+// What comes out of a template in which nothing is translated reads back as itself; whatever goes in, nothing
+// outside it is read.
+TEST(DialogTemplate, DamagedTemplatesAreSurvived) {
+    std::vector<std::string> corpus;
+    for (const Row& row : rows())
+        corpus.push_back(row.in);
+    const std::vector<std::string> pieces = {hex("ff ff"), hex("00 00"), hex("ff 7f"), hex("01 00 ff ff"),
+                                             hex("40 00"), wide("Yes"),  kPlainItem,   kExtendedItem};
+    fuzz::Mutator mutator(corpus, pieces, 20240601);
+    FencedBytes fenced(8192);
+    unsigned sound = 0;
+    for (unsigned i = 0; i < 300000; ++i) {
+        const std::string in = mutator.next();
+        Vector<std::byte> copy;
+        if (!translate_dialog_template(fenced.put(in), in.size(), to_french, copy)) continue;
+        ++sound;
+        mutator.keep(in);
+        Vector<std::byte> again;
+        const auto keep = [](const wchar_t*) -> const wchar_t* { return nullptr; };
+        ASSERT_TRUE(translate_dialog_template(copy.data(), copy.size(), keep, again)) << test::to_hex(in);
+        ASSERT_EQ(copy, again) << test::to_hex(in);
+    }
+    EXPECT_GT(sound, 10000u);
+}
+
+TEST(DialogTemplate, LongTextsAreDamage) {
+    for (const bool fits : {true, false}) {
+        std::string text;
+        for (std::size_t i = 0; i < (fits ? 65535u : 65536u); ++i)
+            text += std::string("x\0", 2);
+        const std::string in = plain(kNoFont, "00 00") + kNoNames + text + hex("00 00");
+        Vector<std::byte> copy;
+        EXPECT_EQ(translate_dialog_template(in.data(), in.size(), to_french, copy), fits);
+    }
+}
+
+} // namespace
