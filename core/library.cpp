@@ -1,6 +1,7 @@
 #include "core/library.h"
 
 #include "fio/file_state.h"
+#include "supp/hook_state.h"
 #include "supp/translation_context.h"
 
 #include <memory>
@@ -18,14 +19,16 @@ HINSTANCE module_around(const void* code) {
 
 // Everything: what stands in core/, then what later folders need.
 struct Process {
-    Process() {
+    Process() : hooks(library.module) {
         library.files = &files;
         library.translation = &translation;
+        library.hooks = &hooks;
     }
 
     Library library;
     FileState files;
     TranslationContext translation;
+    HookState hooks;
 };
 
 constinit bool running = false;

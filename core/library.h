@@ -26,6 +26,7 @@ namespace qzr {
 
 struct FileState;          // fio/file_state.h
 struct TranslationContext; // supp/translation_context.h
+struct HookState;          // supp/hook_state.h
 
 struct Library {
     Library();
@@ -38,6 +39,7 @@ struct Library {
     CQZObjectRegistrar service_container;
     FileState* files = nullptr;                // locks and result buffers of the file functions
     TranslationContext* translation = nullptr; // dictionary, its code page, the hooks' switch
+    HookState* hooks = nullptr;                // redirected imports
 };
 
 namespace detail {
