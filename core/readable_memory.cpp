@@ -3,6 +3,7 @@
 #include "core/windows_lean.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace qzr {
 
@@ -15,12 +16,12 @@ MemoryRegion readable_region(const void* address) noexcept {
 }
 
 std::size_t readable_bytes(const void* address, std::size_t most) noexcept {
-    const auto* const start = static_cast<const std::byte*>(address);
+    const auto start = reinterpret_cast<std::uintptr_t>(address);
     std::size_t found = 0;
     while (found < most) {
-        const std::byte* const end = readable_region(start + found).end;
+        const std::byte* const end = readable_region(reinterpret_cast<const void*>(start + found)).end;
         if (end == nullptr) break;
-        found = static_cast<std::size_t>(end - start);
+        found = reinterpret_cast<std::uintptr_t>(end) - start;
     }
     return std::min(found, most);
 }
