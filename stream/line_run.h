@@ -18,6 +18,7 @@ inline __m128i equal_units(__m128i block, wchar_t c) {
 // addresses.
 template <class Char, Char... Stops>
 std::size_t line_run(const unsigned char* from, std::size_t count) {
+    static_assert(sizeof...(Stops) > 0, "without a stop every line goes to the end");
     constexpr std::size_t kBlock = sizeof(__m128i) / sizeof(Char);
     std::size_t i = 0;
     for (; i + kBlock <= count; i += kBlock) {

@@ -65,7 +65,7 @@ int CStream::read_line(Char* buffer, int max) {
         const auto want = static_cast<unsigned>(std::min<std::int64_t>(max - have, kAhead));
         const unsigned got = Read(ahead, want * sizeof(Char));
         const unsigned whole = got / sizeof(Char);
-        const auto run = static_cast<unsigned>(line_run<Char>(ahead, whole));
+        const auto run = static_cast<unsigned>(line_run<Char, Char(0), Char(10)>(ahead, whole));
         const bool stopped = run < whole;
         const unsigned used = run + (stopped ? 1 : 0);
         std::memcpy(buffer + have, ahead, used * sizeof(Char));
