@@ -10,11 +10,11 @@ namespace qzr {
 
 namespace {
 
-// The platform is asked about characters beyond ASCII only: it knows the wide blank of double-byte pages.
+// Of single bytes the ASCII ones alone are white space. The platform is asked about double-byte characters:
+// it knows their wide blanks.
 bool is_space(const char* p, const LeadBytes& leads) {
-    const auto c = static_cast<unsigned char>(*p);
-    if (c < 0x80) return c == ' ' || (c >= '\t' && c <= '\r');
-    return _ismbcspace(mb_value(p, leads)) != 0;
+    if (leads(*p)) return p[1] != 0 && _ismbcspace(mb_value(p, leads)) != 0;
+    return *p == ' ' || (*p >= '\t' && *p <= '\r');
 }
 
 struct Range {
