@@ -22,6 +22,8 @@ protected:
     ParamNode() : interfaces_(*this) {}
     ~ParamNode() override = default;
 
+    IfaceRegistry& interfaces() noexcept { return interfaces_; }
+
 private:
     IfaceRegistry interfaces_;
 };

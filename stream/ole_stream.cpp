@@ -55,6 +55,19 @@ unsigned OleStream::GetSize() {
     return statistics.cbSize.LowPart;
 }
 
+void OleStream::cut() {
+    ULARGE_INTEGER size = {};
+    check(stream_->Seek({}, STREAM_SEEK_CUR, &size), QZOP_SEEK);
+    check(stream_->SetSize(size), QZOP_READ);
+}
+
+void cut_at_position(IXStream& stream) {
+    auto below = CQZRef<IXStream>::Share(&stream);
+    while (const auto document = CQZRef<IDocStrorageInfo>::Query(below.Get()))
+        if (document->GetRawStream(below.Put()) == 0) return;
+    if (auto* const ours = dynamic_cast<OleStream*>(below.Get())) ours->cut();
+}
+
 // Reads ahead and goes back behind the line: a platform call for each character would cost more.
 template <class Char>
 int CStream::read_line(Char* buffer, int max) {

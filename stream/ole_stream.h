@@ -22,6 +22,8 @@ public:
     // Without a reference of its own.
     IStream* platform() const noexcept { return stream_.Get(); }
 
+    void cut(); // at the position, which becomes the end
+
 protected:
     explicit OleStream(PlatformStream stream) noexcept : stream_(std::move(stream)) {}
 
@@ -56,5 +58,8 @@ public:
     explicit COLEBasedXStream(PlatformStream stream) noexcept : OleStream(std::move(stream)) {}
     const wchar_t* GetName() override { return L"OLE stream"; }
 };
+
+// Ends a stream at its position where it is one of a storage, also inside a document; does nothing elsewhere.
+void cut_at_position(IXStream& stream);
 
 } // namespace qzr
