@@ -1,0 +1,55 @@
+#include "param/profile.h"
+
+#include "core/windows_lean.h"
+#include "string/scan.h"
+
+#include <algorithm>
+
+namespace qzr {
+
+namespace {
+
+// The platform turns each text into a counted one of 16 bits: a longer text would be cut short, be lost, or
+// make it read where nothing is.
+constexpr int kMostCharacters = 32766;
+
+bool fits(const char* text) {
+    if (text == nullptr) return true;
+    const std::size_t size = text_length(text);
+    if (size <= kMostCharacters) return true;
+    if (size > 2 * std::size_t{kMostCharacters}) return false; // with two bytes in each character
+    return MultiByteToWideChar(CP_ACP, 0, text, static_cast<int>(size), nullptr, 0) <= kMostCharacters;
+}
+
+} // namespace
+
+const char* ProfileNames::next() noexcept {
+    while (at_ < end_) {
+        const char* const name = bytes_.data() + at_;
+        at_ += static_cast<unsigned>(text_length(name)) + 1;
+        if (*name != '\0') return name;
+    }
+    return nullptr;
+}
+
+unsigned Profile::read(const char* section, const char* key, Vector<char>& text) const {
+    text.assign(kProfileRoom, '\0');
+    if (!fits(section) || !fits(key) || !fits(file_)) return 0;
+    const DWORD got = GetPrivateProfileStringA(section, key, "", text.data(), kProfileRoom, file_);
+    const unsigned size = std::min<unsigned>(got, kProfileRoom - 1);
+    text[size] = '\0';
+    return size;
+}
+
+ProfileNames Profile::list(const char* section) const {
+    Vector<char> names;
+    const unsigned size = read(section, nullptr, names);
+    return {std::move(names), size};
+}
+
+void Profile::write(const char* section, const char* key, const char* text) const noexcept {
+    if (fits(section) && fits(key) && fits(text) && fits(file_))
+        WritePrivateProfileStringA(section, key, text, file_);
+}
+
+} // namespace qzr

@@ -1,0 +1,416 @@
+// Live INI files: what stands in the file afterwards, what is made of files that others wrote, and where the
+// platform ends.
+#include "forms.h"
+
+#include "contracts/param_contract.h"
+#include "support/file_failure.h"
+#include "support/import_mock.h"
+#include "support/scratch_folder.h"
+
+#include <clocale>
+
+namespace {
+
+using namespace forms;
+
+Tree open_ini(const std::wstring& path) { return Tree::Adopt(new_IParamIniFile(path.c_str())); }
+
+struct IniBackend {
+    static constexpr ParamDifferences differs{
+        .drops_missing_node = false,
+        .makes_missing_nodes = false,
+        .deletes_by_path = true,
+        .marks_nodes = true,
+        .create_empties = false,
+        .miss_leaves_out_alone = false,
+        .holder_keeps_empty_node = false,
+        .lost_types = 1u << QZVT_UCHAR | 1u << QZVT_OBJECT | 1u << QZVT_WTEXT,
+    };
+    CQZRef<IParam> root() const { return open_ini(folder.path(L"tree.ini")); }
+
+    ScratchFolder folder;
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Ini, ParamContract, IniBackend);
+
+class Ini : public testing::Test {
+protected:
+    // A file of its own for each: the platform may take one that was rewritten at once for the old one.
+    Tree tree_on(std::string_view contents) {
+        name_ = std::to_wstring(++files_) + L".ini";
+        path_ = folder_.file(name_, contents);
+        return open_ini(path_);
+    }
+    Tree new_tree() {
+        name_ = std::to_wstring(++files_) + L".ini";
+        path_ = folder_.path(name_);
+        return open_ini(path_);
+    }
+
+    // Through the platform, of the file opened last.
+    std::string entry(const char* section, const char* key) const {
+        char text[40000];
+        GetPrivateProfileStringA(section, key, "", text, sizeof text, narrow(path_.c_str()).c_str());
+        return text;
+    }
+    std::string contents() const { return folder_.contents(name_); }
+
+    ScratchFolder folder_;
+    std::wstring name_, path_;
+    int files_ = 0;
+};
+
+// --- what is written ---------------------------------------------------------------------------------------
+
+TEST_F(Ini, MarksEachNodeByAnEmptyValue) {
+    const Tree root = new_tree();
+    EXPECT_EQ(contents(), "[\\]\r\n@=e\r\n");
+    const auto s = Tree::Adopt(root->CreateSubParam("s"));
+    const auto t = Tree::Adopt(s->CreateSubParam("t"));
+    set_int(*t, "v", 5);
+    EXPECT_EQ(contents(), "[\\]\r\n@=e\r\n[\\s]\r\n@=e\r\n[\\s\\t]\r\n@=e\r\nv=i5\r\n");
+    set_int(*root, nullptr, 7);
+    set_int(*s, "@", 8);
+    open_ini(path_);
+    Tree::Adopt(root->CreateSubParam("s"));
+    EXPECT_EQ(contents(), "[\\]\r\n@=i7\r\n[\\s]\r\n@=i8\r\n[\\s\\t]\r\n@=e\r\nv=i5\r\n");
+    EXPECT_EQ(take_names(t->EnumValues()), (Names{"@", "v"}));
+}
+
+TEST_F(Ini, WritesALetterAndTheValue) {
+    static unsigned char bytes[] = {0xAB, 0, 0x1F};
+    const struct {
+        CQZVariant value;
+        const char* text;
+        const char* read;
+    } rows[] = {
+        {CQZVariant(), "e", "empty"},
+        {CQZVariant(1, QZVT_BOOL), "f1", "bool 1"},
+        {CQZVariant(static_cast<unsigned char>(171)), "b:L", "byte 0"},
+        {CQZVariant(static_cast<unsigned short>(60000)), "w60000", "word 60000"},
+        {CQZVariant(4000000000ul), "W4000000000", "ulong 4000000000"},
+        {CQZVariant(-5), "i-5", "int -5"},
+        {CQZVariant(7u), "u7", "uint 7"},
+        {CQZVariant(-7l), "l-7", "long -7"},
+        {CQZVariant(2.5), "R2.5", "double 2.5"},
+        {CQZVariant(0.25f), "r0.25", "float 0.25"},
+        {CQZVariant("a \"quoted\" | text; = [x]"), "sa \"quoted\" | text; = [x]",
+         "text 'a \"quoted\" | text; = [x]'"},
+        {CQZVariant("  blanks  "), "s  blanks", "text '  blanks'"},
+        {CQZVariant(""), "s", "text ''"},
+        {CQZVariant(tagSIZE{1, -2}), "z1,-2", "size 1,-2"},
+        {CQZVariant(tagRSIZE{1.5, 2.5}), "Z1.5,2.5", "rsize 1.5,2.5"},
+        {CQZVariant(tagPOINT{3, 4}), "p3,4", "point 3,4"},
+        {CQZVariant(tagRPOINT{0.5, -0.5}), "P0.5,-0.5", "rpoint 0.5,-0.5"},
+        {CQZVariant(tagRECT{1, 2, 3, 4}), "t1,2,3,4", "rect 1,2,3,4"},
+        {CQZVariant(tagRRECT{0.5, 1.5, 2.5, 3.5}), "T0.5,1.5,2.5,3.5", "rrect 0.5,1.5,2.5,3.5"},
+        {CQZVariant(tagQZBLOB{3, bytes}), "xAB001F", "blob AB001F"},
+        {CQZVariant(L"wide"), "swide", "text 'wide'"},
+    };
+    const Tree root = new_tree();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        root->SetValue("v", &row.value);
+        EXPECT_EQ(entry("\\", "V"), row.text);
+        EXPECT_EQ(value_in(*root, "v"), row.read);
+    }
+    const CQZVariant object(root.Get());
+    root->SetValue("v", &object); // is not stored, and replaces nothing
+    EXPECT_EQ(entry("\\", "v"), "swide");
+}
+
+TEST_F(Ini, CreatesTheFoldersOnTheWayToTheFile) {
+    const std::wstring path = folder_.path(L"a\\b\\c.ini");
+    open_ini(path);
+    EXPECT_EQ(folder_.contents(L"a\\b\\c.ini"), "[\\]\r\n@=e\r\n");
+    folder_.file(L"file");
+    EXPECT_EQ(failure_of([this] { open_ini(folder_.path(L"file\\x\\y.ini")); }).substr(0, 20),
+              "code 7, operation 10");
+}
+
+// --- what others wrote -------------------------------------------------------------------------------------
+
+TEST_F(Ini, ReadsWhatOthersWrote) {
+    const Tree root = tree_on("outside=i1\r\n; comment\r\n[\\]\r\n; comment\r\n  A  =  i1  \r\nb=i0x10\r\n"
+                              "c=\r\nd=q1\r\ne=i\r\nf\r\ng=\"i5\"\r\nh=I5\r\nj=i1;2\r\ni=sx\r\n;k=i1\n"
+                              "l=i2\n[\\s]\nv=i3\r\n[\\]\r\nm=i4\r\n[\\T");
+    const struct {
+        const char* name;
+        const char* read;
+    } rows[] = {
+        {"a", "int 1"},      {"b", "int 16"},  {"c", "none"}, {"d", "none"},     {"e", "none"},
+        {"f", "none"},       {"g", "int 5"},   {"h", "none"}, {"j", "int 1"},    {"k", "none"},
+        {"i", "text 'x'"},   {"l", "int 2"},   {"m", "none"}, {"s\\v", "int 3"}, {"s\\", "empty"},
+        {"outside", "none"}, {"x\\v", "none"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(value_in(*root, row.name), row.read);
+    }
+    EXPECT_NE(contents().find("; comment\r\n[\\]\r\n; comment\r\n"), std::string::npos);
+}
+
+TEST_F(Ini, ClearsTheVariantWhenOnlyTheKeyIsMissing) {
+    const Tree root = tree_on("[\\s]\r\nv=i1\r\n");
+    CQZVariant kept(7), cleared(7), also(7);
+    EXPECT_EQ(root->GetValue("none\\v", &kept), 0);
+    EXPECT_EQ(root->GetValue("none", &cleared), 0);
+    EXPECT_EQ(root->GetValue("s\\none", &also), 0);
+    EXPECT_TRUE(kept == CQZVariant(7));
+    EXPECT_EQ(cleared.vt, QZVT_EMPTY);
+    EXPECT_EQ(also.vt, QZVT_EMPTY);
+}
+
+TEST_F(Ini, ListsChildrenByTheNamesOfSections) {
+    const struct {
+        const char* sections;
+        const char* node; // null for the root
+        Names children;
+    } rows[] = {
+        {"[\\]", nullptr, {}},
+        {"[\\a] [\\b]", nullptr, {"a", "b"}},
+        {"[\\a\\b] [\\A] [\\a\\c]", nullptr, {"a"}},
+        {"[\\b\\c\\d]", nullptr, {"b"}},
+        {"[Other] [Other\\x] [other] [\\a]", nullptr, {"Other", "a"}},
+        {"[\\\\x] [\\a\\\\y]", nullptr, {"a"}}, // empty components
+        {"[\\a] [\\a\\b] [\\ab\\c] [\\A\\D\\e] [\\a\\B] [a\\f] [\\a\\]", "a", {"b", "D"}},
+        {"[\\a]", "a", {}},
+        {"[\\s\\t] [\\s\\t\\u] [\\s]", "s\\t", {"u"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.sections);
+        std::string text;
+        for (const char c : std::string(row.sections))
+            text += c == ' ' ? "\r\nv=i1\r\n" : std::string(1, c);
+        const Tree root = tree_on(text + "\r\nv=i1\r\n");
+        const Tree node = row.node != nullptr ? Tree::Adopt(root->OpenSubParam(row.node, 0)) : root;
+        ASSERT_TRUE(node);
+        EXPECT_EQ(take_names(node->EnumSubParams()), row.children);
+    }
+}
+
+// Second bytes of characters are neither separators nor letters.
+TEST_F(Ini, FollowsTheCodePage) {
+    const struct {
+        unsigned code_page;
+        const char* one;
+        const char* other;
+    } rows[] = {
+        {1252,
+         "\xC4"
+         "a",
+         "\xD6"
+         "a"},
+        {1251,
+         "\xC6"
+         "a",
+         "\xE6"
+         "a"},
+        {932,
+         "\x83\x5C\x83\x41"
+         "a",
+         "\x83\x5C\x83\x61"
+         "a"},
+    };
+    for (const auto& row : rows) {
+        if (row.code_page != GetACP()) continue;
+        const std::string one = row.one, other = row.other;
+        const Tree root = new_tree();
+        const CQZVariant text(row.one);
+        for (const std::string& name : {one, one + "\\b", other, other + "\\c"})
+            Tree::Adopt(root->CreateSubParam(name.c_str()))->SetValue(row.other, &text);
+        EXPECT_EQ(take_names(root->EnumSubParams()), (Names{one, other}));
+        const auto node = Tree::Adopt(root->OpenSubParam((one.substr(0, one.size() - 1) + "A").c_str(), 0));
+        ASSERT_TRUE(node);
+        EXPECT_EQ(take_names(node->EnumSubParams()), Names{"b"});
+        EXPECT_EQ(value_in(*root, (other + "\\c\\" + other).c_str()), "text '" + one + "'");
+        node->Clear();
+        EXPECT_EQ(take_names(root->EnumSubParams()), Names{other});
+    }
+}
+
+// --- nodes and paths ---------------------------------------------------------------------------------------
+
+TEST_F(Ini, TakesAPathAsTheNameOfOneSection) {
+    const Tree root = new_tree();
+    set_int(*root, "a\\b\\v", 1);
+    EXPECT_EQ(contents(), "[\\]\r\n@=e\r\n[\\a\\b]\r\n@=e\r\nv=i1\r\n");
+    EXPECT_EQ(outline_of(*root), "a!"); // listed, but no section of its own
+    EXPECT_EQ(get_int(*root, "a\\b\\v"), 1);
+    EXPECT_TRUE(Tree::Adopt(root->OpenSubParam("a\\b", 0)));
+    root->DeleteSubParam("a"); // does not open
+    EXPECT_EQ(get_int(*root, "a\\b\\v"), 1);
+    Tree::Adopt(root->OpenSubParam("a", 1));
+    EXPECT_EQ(outline_of(*root), "a{b{v=1}}");
+    set_int(*root, "\\w", 2); // the child without a name is the root itself
+    EXPECT_EQ(outline_of(*root), "w=2 a{b{v=1}}");
+    root->DeleteSubParam("");
+    root->DeleteSubParam(nullptr);
+    EXPECT_EQ(outline_of(*root), "w=2 a{b{v=1}}");
+}
+
+TEST_F(Ini, DeletesSectionsWithWhatIsBelowThem) {
+    const std::string all =
+        "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n[\\a]\r\n@=e\r\n[\\ab]\r\n@=e\r\n[\\A\\b]\r\n@=e\r\n"
+        "[\\a\\b\\c]\r\n@=e\r\n[\\a\\x\\y]\r\n@=e\r\n[\\d]\r\n@=e\r\nv=i1\r\n";
+    const std::string a_gone = "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n[\\ab]\r\n@=e\r\n[\\d]\r\n@=e\r\nv=i1\r\n";
+    Tree root = tree_on(all);
+    root->DeleteSubParam("a");
+    EXPECT_EQ(contents(), a_gone);
+    root = tree_on(all);
+    Tree::Adopt(root->OpenSubParam("a", 0))->Clear();
+    EXPECT_EQ(contents(), a_gone);
+    EXPECT_FALSE(Tree::Adopt(root->OpenSubParam("a", 0)));
+    root = tree_on(all);
+    root->DeleteAllSubParams();
+    EXPECT_EQ(contents(), "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n");
+    root = tree_on(all);
+    root->Clear(); // sections of others stay
+    EXPECT_EQ(contents(), "[Other]\r\nx=1\r\n");
+}
+
+TEST_F(Ini, DeletingAllValuesLeavesTheMark) {
+    const Tree root = tree_on("[\\]\r\n@=i5\r\na=i1\r\n; comment\r\nb=i2\r\n[\\s]\r\n@=e\r\n");
+    root->DeleteAllValues();
+    EXPECT_EQ(contents(), "[\\]\r\n; comment\r\n@=e\r\n[\\s]\r\n@=e\r\n");
+}
+
+TEST_F(Ini, ChildrenKeepTheirParents) {
+    Tree root = new_tree();
+    const auto child = Tree::Adopt(root->CreateSubParam("c"));
+    EXPECT_EQ(root->AddRef(), 3u);
+    EXPECT_EQ(root->Release(), 2u);
+    root.Reset();
+    EXPECT_TRUE(Tree::Adopt(child->CreateSubParam("d")));
+    EXPECT_EQ(CQZRef<IParam>::Query(child.Get()).Get(), child.Get());
+    EXPECT_TRUE(CQZRef<IRegisterIface>::Query(child.Get()));
+}
+
+DWORD WINAPI nothing_there(const char*, const char*, const char*, char*, DWORD, const char*) { return 0; }
+BOOL WINAPI write_nothing(const char*, const char*, const char*, const char*) { return FALSE; }
+
+using IniScale = Ini;
+
+// The last of many nodes takes the others along.
+TEST_F(IniScale, ReleasesLongChainsOfParents) {
+    const ImportMock reads("qzrcore.dll", "GetPrivateProfileStringA",
+                           reinterpret_cast<void*>(&nothing_there));
+    const ImportMock writes("qzrcore.dll", "WritePrivateProfileStringA",
+                            reinterpret_cast<void*>(&write_nothing));
+    Tree node = new_tree();
+    for (int i = 0; i < 12000; ++i)
+        node = Tree::Adopt(node->CreateSubParam(i == 0 ? "d" : ""));
+    node.Reset();
+}
+
+// --- where the platform ends -------------------------------------------------------------------------------
+
+TEST_F(Ini, TakesNamesAsThePlatformDoes) {
+    const struct {
+        const char* name;
+        const char* line;
+        const char* read; // by that name
+    } rows[] = {
+        {"plain", "plain=i5", "int 5"},  {"in [brackets]", "in [brackets]=i5", "int 5"},
+        {" blank", "blank=i5", "int 5"}, {"#", "#=i5", "int 5"},
+        {"a=b", "a=b=i5", "none"},       // is the key a
+        {"x\r\ny", "x\r\ny=i5", "none"}, // is two lines
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Tree root = new_tree();
+        set_int(*root, row.name, 5);
+        EXPECT_EQ(contents(), std::string("[\\]\r\n@=e\r\n") + row.line + "\r\n");
+        EXPECT_EQ(value_in(*root, row.name), row.read);
+        EXPECT_EQ(take_names(Tree::Adopt(root->OpenSubParam("none", 1))->EnumValues()), Names{"@"});
+    }
+    const Tree root = new_tree();
+    const CQZVariant lines("one\r\ntwo=i2");
+    root->SetValue("v", &lines);
+    EXPECT_EQ(value_in(*root, "v"), "text 'one'");
+    EXPECT_EQ(value_in(*root, "two"), "int 2");
+}
+
+TEST_F(Ini, DropsWhatIsTooLongForThePlatform) {
+    const Tree root = new_tree();
+    const CQZVariant most(std::string(32765, 'x').c_str());
+    const CQZVariant over(std::string(32766, 'y').c_str()); // with its letter
+    const CQZVariant far_over(std::string(200000, 'z').c_str());
+    CQZVariant read;
+    root->SetValue("v", &most);
+    ASSERT_EQ(root->GetValue("v", &read), 1);
+    EXPECT_TRUE(read == most);
+    const std::string before = contents();
+    root->SetValue("v", &over);
+    root->SetValue("v", &far_over);
+    root->SetValue("w", &over);
+    set_int(*root, std::string(40000, 'n').c_str(), 1);
+    root->DeleteValue(std::string(70000, 'n').c_str());
+    EXPECT_EQ(value_in(*root, std::string(40000, 'n').c_str()), "none");
+    const auto deep = Tree::Adopt(root->CreateSubParam(std::string(32766, 's').c_str()));
+    set_int(*deep, "v", 1);
+    deep->Clear();
+    EXPECT_EQ(outline_of(*deep), "");
+    EXPECT_EQ(contents(), before);
+}
+
+TEST_F(IniScale, CutsListsAt64000Bytes) {
+    const std::string tail(1595, 'x');
+    std::string text = "[\\]\r\n";
+    for (int i = 0; i < 60; ++i)
+        text += "k" + std::to_string(100 + i) + tail + "=i1\r\n";
+    text += "@=i9\r\n";
+    for (int i = 0; i < 60; ++i)
+        text += "[\\" + std::to_string(100 + i) + tail + "]\r\n@=e\r\n";
+    const Tree root = tree_on(text);
+    EXPECT_EQ(get_int(*root, nullptr), 9); // the mark is there, although the list ends before it
+    const Names values = take_names(root->EnumValues());
+    ASSERT_EQ(values.size(), 40u); // of 1600 bytes each
+    EXPECT_EQ(values[38], "k138" + tail);
+    EXPECT_EQ(values[39].substr(0, 1000), ("k139" + tail).substr(0, 1000));
+    EXPECT_EQ(take_names(root->EnumSubParams()).size(), 40u);
+    root->Clear();
+    EXPECT_EQ(contents(), "");
+}
+
+DWORD WINAPI too_much(const char*, const char*, const char*, char* buffer, DWORD size, const char*) {
+    for (DWORD i = 0; i < size; ++i)
+        buffer[i] = 'i';
+    return 0x7FFFFFFF;
+}
+
+TEST_F(Ini, BelievesNoCountOfThePlatform) {
+    const Tree root = tree_on("[\\]\r\n@=e\r\nv=i1\r\n");
+    const ImportMock mock("qzrcore.dll", "GetPrivateProfileStringA", reinterpret_cast<void*>(&too_much));
+    EXPECT_EQ(value_in(*root, "v"), "none");
+    EXPECT_EQ(take_names(root->EnumValues()), Names{std::string(63999, 'i')});
+}
+
+TEST_F(Ini, GoesOnWhenNothingCanBeWritten) {
+    const std::string before = "[\\]\r\n@=e\r\nv=i1\r\n[\\s]\r\nw=i2\r\n";
+    const Tree root = tree_on(before);
+    const ImportMock mock("qzrcore.dll", "WritePrivateProfileStringA",
+                          reinterpret_cast<void*>(&write_nothing));
+    set_int(*root, "v", 5);
+    root->DeleteValue("v");
+    root->DeleteAllValues();
+    EXPECT_TRUE(Tree::Adopt(root->CreateSubParam("new")));
+    root->DeleteSubParam("s");
+    root->Clear();
+    EXPECT_EQ(outline_of(*root), "v=1 s{w=2}");
+    EXPECT_EQ(contents(), before);
+}
+
+TEST_F(IniScale, SurvivesDamage) {
+    const std::string whole =
+        "[\\]\r\n@=e\r\nv=s text\r\nb=xAB00\r\n[\\s]\r\n@=e\r\n[\\s\\t]\r\nr=T1,2,3,4\r\n";
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        if (i % 4 == 0) outline_of(*tree_on(whole.substr(0, i)));
+        std::string flipped = whole;
+        flipped[i] = static_cast<char>(flipped[i] ^ (1 << i % 8));
+        const Tree root = tree_on(flipped);
+        outline_of(*root);
+        root->Clear();
+    }
+}
+
+} // namespace
