@@ -296,7 +296,7 @@ TEST_F(IniScale, ReleasesLongChainsOfParents) {
                            reinterpret_cast<void*>(&nothing_there));
     const ImportMock writes("qzrcore.dll", "WritePrivateProfileStringA",
                             reinterpret_cast<void*>(&write_nothing));
-    Tree node = new_tree();
+    Tree node = open_ini(L"nowhere.ini");
     for (int i = 0; i < 12000; ++i)
         node = Tree::Adopt(node->CreateSubParam(i == 0 ? "d" : ""));
     node.Reset();
