@@ -20,10 +20,12 @@
 #include "core/object_registry.h"
 #include "core/windows_lean.h"
 
+#include <atomic>
 #include <cstddef>
 
 namespace qzr {
 
+struct StringLoaders;      // string/resource_text.h
 struct FileState;          // fio/file_state.h
 struct TranslationContext; // supp/translation_context.h
 struct HookState;          // supp/hook_state.h
@@ -37,6 +39,7 @@ struct Library {
     GlobalMutex global_mutex; //
     ObjectRegistry objects;   // classes by name
     CQZObjectRegistrar service_container;
+    std::atomic<const StringLoaders*> string_loaders = nullptr; // null: those of the system
     FileState* files = nullptr;                // locks and result buffers of the file functions
     TranslationContext* translation = nullptr; // dictionary, its code page, the hooks' switch
     HookState* hooks = nullptr;                // redirected imports

@@ -1,15 +1,19 @@
 #include "string/resource_text.h"
 
-#include "core/windows_lean.h"
+#include "core/library.h"
 #include "string/string_access.h"
 
 namespace qzr {
 
 int load_string(void* module, unsigned id, char* buffer, int size) {
+    if (const StringLoaders* const loaders = library().string_loaders.load())
+        return loaders->narrow(module, id, buffer, size);
     return LoadStringA(static_cast<HINSTANCE>(module), id, buffer, size);
 }
 
 int load_string(void* module, unsigned id, wchar_t* buffer, int size) {
+    if (const StringLoaders* const loaders = library().string_loaders.load())
+        return loaders->wide(module, id, buffer, size);
     return LoadStringW(static_cast<HINSTANCE>(module), id, buffer, size);
 }
 

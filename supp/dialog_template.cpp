@@ -13,13 +13,16 @@ using Unit = std::uint16_t;
 // The parts of both layouts that have a fixed size, in bytes from their start.
 struct Layout {
     std::size_t header;
-    std::size_t style; // within the header
-    std::size_t count; // of items, within the header
-    std::size_t font;  // between the point size and the face name
+    std::size_t style;  // within the header
+    std::size_t count;  // of items, within the header
+    std::size_t extent; // within the header: width, height
+    std::size_t font;   // between the point size and the face name
     std::size_t item;
+    std::size_t place; // within the item: left, top, width, height
+    std::size_t id;    // within the item
 };
-constexpr Layout kPlain = {18, 0, 8, 0, 18};
-constexpr Layout kExtended = {26, 12, 16, 4, 24};
+constexpr Layout kPlain = {18, 0, 8, 14, 0, 18, 8, 16};
+constexpr Layout kExtended = {26, 12, 16, 22, 4, 24, 12, 20};
 
 constexpr Unit kOrdinalMark = 0xFFFF;       // the next unit is an identifier, no text
 constexpr Unit kMessageBoxFont = 0x7FFF;    // a point size that stands for the font of message boxes
@@ -33,18 +36,15 @@ enum class CreationSize { with_itself, alone };
 // Copies from left to right. After a failure, which is kept, reads give zeroes.
 class Rewriter {
 public:
-    Rewriter(const void* data, std::size_t size, const DialogTextTranslator& translator,
-             Vector<std::byte>& copy)
-        : next_(static_cast<const std::byte*>(data)),
-          end_(next_ + size),
-          translator_(translator),
-          copy_(copy) {
+    Rewriter(const void* data, std::size_t size, const DialogChanges& changes, Vector<std::byte>& copy)
+        : next_(static_cast<const std::byte*>(data)), end_(next_ + size), changes_(changes), copy_(copy) {
         copy_.clear();
     }
 
     bool run(const Layout& layout, CreationSize creation_size) {
         const std::byte* const header = copy_bytes(layout.header);
         if (header == nullptr) return false;
+        if (const RECT* const place = place_of(0)) put_extent(layout.extent, *place);
         copy_name(); // of the menu
         copy_name(); // of the class
         copy_text();
@@ -103,7 +103,7 @@ private:
     void copy_text() {
         read_text();
         if (!sound_) return;
-        const wchar_t* translated = text_.front() != 0 ? translator_(text_.data()) : nullptr;
+        const wchar_t* translated = text_.front() != 0 ? changes_.text(text_.data()) : nullptr;
         // A translation that began like an identifier would be taken for one.
         const bool usable = translated != nullptr && *translated != 0 && *translated != kOrdinalMark;
         put_text(usable ? translated : text_.data());
@@ -127,6 +127,30 @@ private:
         copy_name();
     }
 
+    // Fits both: the identifier of the plain layout has 16 bits.
+    static unsigned item_id(const Layout& layout, const std::byte* item) noexcept {
+        return layout.item - layout.id == sizeof(Unit) ? read<Unit>(item + layout.id)
+                                                       : read<std::uint32_t>(item + layout.id);
+    }
+
+    const RECT* place_of(unsigned item) const { return changes_.place ? changes_.place(item) : nullptr; }
+
+    void put_unit(std::size_t at, LONG value) noexcept {
+        const auto unit = static_cast<Unit>(value);
+        std::memcpy(&copy_[at], &unit, sizeof unit);
+    }
+
+    void put_extent(std::size_t at, const RECT& place) noexcept {
+        put_unit(at, place.right - place.left);
+        put_unit(at + sizeof(Unit), place.bottom - place.top);
+    }
+
+    void put_place(std::size_t at, const RECT& place) noexcept {
+        put_unit(at, place.left);
+        put_unit(at + sizeof(Unit), place.top);
+        put_extent(at + 2 * sizeof(Unit), place);
+    }
+
     void align() {
         constexpr std::size_t kBoundary = 4;
         const std::size_t gap = (0 - reinterpret_cast<std::uintptr_t>(next_)) % kBoundary;
@@ -140,7 +164,12 @@ private:
 
     void copy_item(const Layout& layout, CreationSize creation_size) {
         align();
-        copy_bytes(layout.item);
+        const std::size_t start = copy_.size();
+        const std::byte* const item = copy_bytes(layout.item);
+        if (item == nullptr) return;
+        const unsigned id = item_id(layout, item);
+        if (const RECT* const place = id != 0 ? place_of(id) : nullptr)
+            put_place(start + layout.place, *place);
         sound_ = sound_ && peek_unit() != 0; // every control has a class
         copy_name();
         if (!copy_ordinal()) copy_text();
@@ -158,7 +187,7 @@ private:
 
     const std::byte* next_;
     const std::byte* end_;
-    const DialogTextTranslator& translator_;
+    const DialogChanges& changes_;
     Vector<std::byte>& copy_;
     Vector<wchar_t> text_;
     bool sound_ = true;
@@ -171,10 +200,10 @@ bool is_extended(const void* data, std::size_t size) noexcept {
 
 } // namespace
 
-bool translate_dialog_template(const void* data, std::size_t size, const DialogTextTranslator& translator,
+bool translate_dialog_template(const void* data, std::size_t size, const DialogChanges& changes,
                                Vector<std::byte>& copy) {
     const auto run = [&](const Layout& layout, CreationSize creation_size) {
-        return Rewriter(data, size, translator, copy).run(layout, creation_size);
+        return Rewriter(data, size, changes, copy).run(layout, creation_size);
     };
     if (is_extended(data, size)) return run(kExtended, CreationSize::alone);
     return run(kPlain, CreationSize::with_itself) || run(kPlain, CreationSize::alone);

@@ -2,23 +2,29 @@
 #pragma once
 
 #include "core/allocator.h"
+#include "core/windows_lean.h"
 
 #include <functional>
 
 namespace qzr {
 
-// Gives the text to show instead; null or an empty text keeps what stands there. Empty texts are not asked
-// for.
-using DialogTextTranslator = std::function<const wchar_t*(const wchar_t*)>;
+struct DialogChanges {
+    // Gives the text to show instead; null or an empty text keeps what stands there. Empty texts are not
+    // asked for.
+    std::function<const wchar_t*(const wchar_t* text)> text;
+    // Gives the place of a control by its identifier, or by 0 the extent of the dialog itself, in dialog
+    // units; null keeps it. May be empty.
+    std::function<const RECT*(unsigned item)> place;
+};
 
-// Copies a dialog template of the plain or the extended layout, with its caption and the texts of its
-// controls replaced. Everything else is copied as it is: menu, class, font, identifiers of resources that
+// Copies a dialog template of the plain or the extended layout, with the caption, the texts of its controls
+// and places replaced. Everything else is copied as it is: menu, class, font, identifiers of resources that
 // stand for texts, creation data; items start on 4-byte boundaries.
 //
 // A template does not say how long it is; `size` is the most that may be read, and nothing in it is trusted.
 // `copy` gets the result. @return false when the template is damaged. Throws CXMemException and what the
-// translator throws.
-bool translate_dialog_template(const void* data, std::size_t size, const DialogTextTranslator& translator,
+// changes throw.
+bool translate_dialog_template(const void* data, std::size_t size, const DialogChanges& changes,
                                Vector<std::byte>& copy);
 
 // For callers that are given a template without a length: no template is longer.

@@ -159,7 +159,8 @@ TEST(DialogTemplate, TextsAreReplacedAndTheRestStays) {
         while (in.size() % 4 != 0)
             in += '\xEE';
         Vector<std::byte> copy;
-        const bool sound = translate_dialog_template(fenced.put(in), row.in.size(), to_french, copy);
+        const bool sound =
+            translate_dialog_template(fenced.put(in), row.in.size(), DialogChanges{to_french, {}}, copy);
         EXPECT_EQ(sound, !row.out.empty());
         if (sound) {
             const std::string out(reinterpret_cast<const char*>(copy.data()), copy.size());
@@ -182,15 +183,43 @@ TEST(DialogTemplate, DamagedTemplatesAreSurvived) {
     for (unsigned i = 0; i < 200000; ++i) {
         const std::string in = mutator.next();
         Vector<std::byte> copy;
-        if (!translate_dialog_template(fenced.put(in), in.size(), to_french, copy)) continue;
+        if (!translate_dialog_template(fenced.put(in), in.size(), DialogChanges{to_french, {}}, copy))
+            continue;
         ++sound;
         mutator.keep(in);
         Vector<std::byte> again;
         const auto keep = [](const wchar_t*) -> const wchar_t* { return nullptr; };
-        ASSERT_TRUE(translate_dialog_template(copy.data(), copy.size(), keep, again)) << test::to_hex(in);
+        ASSERT_TRUE(translate_dialog_template(copy.data(), copy.size(), DialogChanges{keep, {}}, again))
+            << test::to_hex(in);
         ASSERT_EQ(copy, again) << test::to_hex(in);
     }
     EXPECT_GT(sound, 10000u);
+}
+
+TEST(DialogTemplate, PlacesAreReplaced) {
+    const RECT dialog = {0, 0, 0x1122, 0x3344};
+    const RECT control = {-1, 2, 4, 10};
+    const DialogChanges changes{to_french, [&](unsigned item) -> const RECT* {
+                                    return item == 0 ? &dialog : item == 0x65 ? &control : nullptr;
+                                }};
+    const std::string other = hex("00 00 01 50 04 00 00 00 05 00 06 00 07 00 08 00 00 00");
+    const std::string rest = kButton + wide("") + kNoData;
+    const std::string item_end = hex("65 00 00 00");
+    const std::string in[] = {plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + rest + kPad +
+                                  other + rest,
+                              extended(kNoFont, "01 00") + kNoNames + wide("") + kPad + kExtendedItem + rest};
+    const std::string out[] = {
+        hex(kNoFont) + hex("00 00 00 00 02 00 01 00 02 00 22 11 44 33") + kNoNames + wide("") +
+            kPlainItem.substr(0, 8) + hex("ff ff 02 00 05 00 08 00 65 00") + rest + kPad + other + rest,
+        hex("01 00 ff ff 07 00 00 00 00 00 01 00") + hex(kNoFont) + hex("01 00 01 00 02 00 22 11 44 33") +
+            kNoNames + wide("") + kPad + kExtendedItem.substr(0, 12) +
+            hex("ff ff 02 00 05 00 08 00 65 00 00 00") + rest};
+    for (const int row : {0, 1}) {
+        Vector<std::byte> copy;
+        ASSERT_TRUE(translate_dialog_template(in[row].data(), in[row].size(), changes, copy));
+        EXPECT_EQ(test::to_hex({reinterpret_cast<const char*>(copy.data()), copy.size()}),
+                  test::to_hex(out[row]));
+    }
 }
 
 TEST(DialogTemplate, LongTextsAreDamage) {
@@ -200,7 +229,7 @@ TEST(DialogTemplate, LongTextsAreDamage) {
             text += std::string("x\0", 2);
         const std::string in = plain(kNoFont, "00 00") + kNoNames + text + hex("00 00");
         Vector<std::byte> copy;
-        EXPECT_EQ(translate_dialog_template(in.data(), in.size(), to_french, copy), fits);
+        EXPECT_EQ(translate_dialog_template(in.data(), in.size(), DialogChanges{to_french, {}}, copy), fits);
     }
 }
 

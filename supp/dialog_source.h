@@ -1,0 +1,42 @@
+// Dialog templates of modules, and their translation.
+#pragma once
+
+#include "core/allocator.h"
+#include "core/windows_lean.h"
+
+#include <string>
+
+namespace qzr {
+
+// Which resource of which module a template is. Holds its texts itself, unlike CXStringW, so that copies may
+// be used in other threads.
+class DialogSource {
+public:
+    DialogSource(HINSTANCE module, const wchar_t* id);
+
+    const wchar_t* file() const noexcept {
+        return file_.c_str();
+    } // the module's file name, without its folder
+    const wchar_t* id() const noexcept { return name_.empty() ? number_ : name_.c_str(); }
+
+private:
+    using Text = std::basic_string<wchar_t, std::char_traits<wchar_t>, HeapAllocator<wchar_t>>;
+
+    Text file_;
+    Text name_;
+    const wchar_t* number_; // MAKEINTRESOURCE, when there is no name
+};
+
+// A template in memory; at most `size` bytes of it can be read.
+struct DialogBytes {
+    const void* data = nullptr;
+    std::size_t size = 0;
+};
+DialogBytes dialog_bytes(HMODULE module, HRSRC resource) noexcept; // null when it cannot be loaded
+DialogBytes dialog_bytes(const void* dialog_template) noexcept;
+
+// Copies a template with its texts translated, in the context of its source if there is one, and with the
+// places that are kept for the dialog. @return false when the template is damaged or memory is missing.
+bool translate_dialog(const DialogBytes& bytes, const DialogSource* source, Vector<std::byte>& copy) noexcept;
+
+} // namespace qzr
