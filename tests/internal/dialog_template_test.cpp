@@ -204,16 +204,15 @@ TEST(DialogTemplate, PlacesAreReplaced) {
                                 }};
     const std::string other = hex("00 00 01 50 04 00 00 00 05 00 06 00 07 00 08 00 00 00");
     const std::string rest = kButton + wide("") + kNoData;
-    const std::string item_end = hex("65 00 00 00");
     const std::string in[] = {plain(kNoFont, "02 00") + kNoNames + wide("") + kPlainItem + rest + kPad +
                                   other + rest,
-                              extended(kNoFont, "01 00") + kNoNames + wide("") + kPad + kExtendedItem + rest};
+                              extended(kNoFont, "01 00") + kNoNames + wide("") + kExtendedItem + rest};
     const std::string out[] = {
         hex(kNoFont) + hex("00 00 00 00 02 00 01 00 02 00 22 11 44 33") + kNoNames + wide("") +
             kPlainItem.substr(0, 8) + hex("ff ff 02 00 05 00 08 00 65 00") + rest + kPad + other + rest,
         hex("01 00 ff ff 07 00 00 00 00 00 01 00") + hex(kNoFont) + hex("01 00 01 00 02 00 22 11 44 33") +
-            kNoNames + wide("") + kPad + kExtendedItem.substr(0, 12) +
-            hex("ff ff 02 00 05 00 08 00 65 00 00 00") + rest};
+            kNoNames + wide("") + kExtendedItem.substr(0, 12) + hex("ff ff 02 00 05 00 08 00 65 00 00 00") +
+            rest};
     for (const int row : {0, 1}) {
         Vector<std::byte> copy;
         ASSERT_TRUE(translate_dialog_template(in[row].data(), in[row].size(), changes, copy));
