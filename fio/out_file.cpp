@@ -83,6 +83,7 @@ private:
         }
     };
 
+    bool target_exists(bool keep) const;
     void open_inner(int mode);
     void finish_inner();
     bool give_lock_back();
@@ -100,11 +101,12 @@ CXOutFile::CXOutFile(const wchar_t* target, int mode) : target_(target, QZOP_WRI
     if (Fio_IsWritableFile(target_.get()) == 0) throw CXFileException(QZERR_ACCESS, QZOP_OPEN, target_.get());
     // A temporary file that the system deletes when it is closed could never take the target's place.
     mode = (mode & ~QZFILE_TEMPORARY) | QZFILE_WRITE;
-    if (Fio_IsFileExist(target_.get()) == 0) {
+    const bool keep = (mode & QZFILE_KEEP) != 0;
+    if (!target_exists(keep)) {
         open_inner(mode & ~QZFILE_KEEP);
         return;
     }
-    if ((mode & QZFILE_KEEP) != 0) Fio_CopyFile(target_.get(), temp_.path(), 0);
+    if (keep) Fio_CopyFile(target_.get(), temp_.path(), 0);
     Fio_LockFile(target_.get(), false);
     ScopeExit unlock([this] { Fio_UnlockFile(target_.get(), false); });
     open_inner(mode);
@@ -119,6 +121,20 @@ CXOutFile::~CXOutFile() {
         give_lock_back();
     } catch (...) {
         // Only exhausted memory comes this far. No exception leaves a destructor.
+    }
+}
+
+// What is to be kept must not be taken for missing because it could not be looked up: the commit would
+// replace it by what was added alone.
+bool CXOutFile::target_exists(bool keep) const {
+    if (!keep) return Fio_IsFileExist(target_.get()) != 0;
+    try {
+        FioFileInfo ignored;
+        Fio_GetFileInfo(target_.get(), &ignored);
+        return true;
+    } catch (const CXFileException& e) {
+        if (e.m_nCode != QZERR_NOT_FOUND && e.m_nCode != QZERR_BAD_PATH) throw;
+        return false;
     }
 }
 

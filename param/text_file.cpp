@@ -1,7 +1,8 @@
 #include "param/text_file.h"
 
-#include "core/win_handle.h"
 #include "core/windows_lean.h"
+#include "qzfile.h"
+#include "qzref.h"
 #include "qzstring.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace qzr {
 
 namespace {
 
-constexpr long long kMostBytes = 0xFFFFFFFF; // of any file that the library opens
+constexpr unsigned kLeastPiece = 64 << 10;
 
 std::wstring directory_of(const std::wstring& path) {
     const std::size_t last = path.find_last_of(L"\\/");
@@ -31,18 +32,6 @@ std::wstring full_path(const std::wstring& name) {
     }
 }
 
-bool read_all(HANDLE file, char* to, std::size_t size) {
-    constexpr std::size_t kMostAtOnce = 0x40000000;
-    while (size != 0) {
-        DWORD moved = 0;
-        const DWORD wanted = static_cast<DWORD>(std::min(size, kMostAtOnce));
-        if (ReadFile(file, to, wanted, &moved, nullptr) == 0 || moved == 0) return false;
-        to += moved;
-        size -= moved;
-    }
-    return true;
-}
-
 } // namespace
 
 std::wstring named_file(std::string_view name, const std::wstring& from) {
@@ -59,16 +48,22 @@ bool same_file(const std::wstring& a, const std::wstring& b) {
 
 bool read_text_file(const std::wstring& path, std::string& content) {
     content.clear();
-    const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    // A console or a pipe would wait for somebody to type.
-    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK) return false;
-    LARGE_INTEGER size{};
-    if (GetFileSizeEx(file.get(), &size) == 0 || size.QuadPart > kMostBytes) return false;
-    content.resize(static_cast<std::size_t>(size.QuadPart));
-    if (read_all(file.get(), content.data(), content.size())) return true;
-    content.clear();
-    return false;
+    try {
+        const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path.c_str(), QZFILE_READ));
+        if (!file) return false;
+        // A file of 2 GiB and more does not tell its size, but is read in sequence all the same.
+        const unsigned piece = std::max(file->GetSize() + 1, kLeastPiece);
+        for (unsigned got = piece; got == piece;) {
+            const std::size_t have = content.size();
+            content.resize(have + piece);
+            got = file->Read(content.data() + have, piece);
+            content.resize(have + got);
+        }
+        return true;
+    } catch (const CXFileException&) {
+        content.clear();
+        return false;
+    }
 }
 
 } // namespace qzr

@@ -1,0 +1,221 @@
+// What is left when the system refuses a call: an exception, no handle, no stray file, no lost document.
+#include "qzfile.h"
+#include "qzref.h"
+#include "support/file_calls.h"
+#include "support/file_failure.h"
+#include "support/open_handles.h"
+#include "support/scratch_folder.h"
+#include "temporary.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace {
+
+// Fails the n-th call of a function from now on, and counts.
+class Refusal {
+public:
+    Refusal(const char* function, int at, DWORD error)
+        : calls_([this, function, at, error](const char* called) -> DWORD {
+              if (std::string_view(called) != function || ++seen_ != at) return 0;
+              return error;
+          }) {}
+    bool happened(int at) const { return seen_ >= at; }
+
+private:
+    int seen_ = 0;
+    FileCalls calls_;
+};
+
+void write_both_ways(IXFile& file) {
+    const std::string large(6000, 'L');
+    file.Write("small", 5);
+    file.Write(large.data(), 6000);
+    file.Write(std::string(70000, 'M').data(), 70000);
+    file.WriteByte('s');
+}
+
+// Counted once everything is open that stays open after its first use.
+unsigned handles_before() {
+    {
+        SCOPED_TRACE("a lock of the test framework");
+        const ScratchFolder folder;
+        Fio_Open(folder.file(L"first").c_str(), QZFILE_READ)->Release();
+        failure_of([&] { Fio_Open(folder.path(L"none").c_str(), QZFILE_READ); });
+    }
+    return open_handles();
+}
+
+// Releases a file, again when the first time throws. @return what was thrown
+std::string released(IXFile* file) {
+    const std::string thrown = failure_of([&] { file->Release(); });
+    if (!thrown.empty()) {
+        EXPECT_EQ(file->Release(), 0u);
+    }
+    return thrown;
+}
+
+struct Row {
+    const char* function;
+    int at;
+    DWORD error;
+    unsigned code;
+};
+
+TEST(FileFailure, AFileForReadingIsNotOpened) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document", "contents");
+    const unsigned handles = handles_before();
+    for (const Row& row :
+         {Row{"CreateFileW", 1, ERROR_SHARING_VIOLATION, 8}, Row{"GetFileSizeEx", 1, ERROR_IO_DEVICE, 12},
+          Row{"CreateFileMappingW", 1, ERROR_NOT_ENOUGH_MEMORY, 2},
+          Row{"MapViewOfFile", 1, ERROR_OUTOFMEMORY, 2}}) {
+        SCOPED_TRACE(row.function);
+        const Refusal refusal(row.function, row.at, row.error);
+        EXPECT_EQ(failure_of([&] { Fio_Open(path.c_str(), QZFILE_READ); }), failure(row.code, 1, path));
+    }
+    EXPECT_EQ(open_handles(), handles);
+    EXPECT_EQ(Fio_LockCount(path.c_str(), false), 0);
+    EXPECT_TRUE(DeleteFileW(path.c_str())) << "nobody holds it";
+}
+
+TEST(FileFailure, AFileForReadingThatCannotBeClosedSaysSo) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document", "contents");
+    const unsigned handles = handles_before();
+    for (const char* function : {"UnmapViewOfFile", "CloseHandle"}) {
+        SCOPED_TRACE(function);
+        IXFile* const file = Fio_Open(path.c_str(), QZFILE_READ);
+        file->AddRef();
+        const Refusal refusal(function, 1, ERROR_INVALID_HANDLE);
+        EXPECT_EQ(file->Release(), 1u);
+        EXPECT_EQ(released(file), failure(2, 1, path));
+    }
+    EXPECT_EQ(open_handles(), handles);
+}
+
+TEST(FileFailure, WritingTellsTheDiskIsFull) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.path(L"document");
+    const unsigned handles = handles_before();
+    for (const Row& row :
+         {Row{"CreateFileW", 1, ERROR_ACCESS_DENIED, 9}, Row{"CreateFileMappingW", 1, ERROR_DISK_FULL, 3},
+          Row{"MapViewOfFile", 1, ERROR_NOT_ENOUGH_MEMORY, 2}, Row{"SetEndOfFile", 1, ERROR_DISK_FULL, 3},
+          Row{"SetFilePointerEx", 1, ERROR_SEEK, 12}, Row{"UnmapViewOfFile", 2, ERROR_INVALID_HANDLE, 2}}) {
+        SCOPED_TRACE(row.function);
+        const Refusal refusal(row.function, row.at, row.error);
+        const std::string thrown = failure_of([&] {
+            IXFile* const file = Fio_Open(path.c_str(), QZFILE_WRITE);
+            const std::string in_writing = failure_of([&] { write_both_ways(*file); });
+            const std::string in_release = released(file);
+            EXPECT_EQ(in_writing + in_release, failure(row.code, 2, path));
+        });
+        EXPECT_TRUE(thrown.empty() || thrown == failure(row.code, 2, path)) << thrown;
+        EXPECT_TRUE(refusal.happened(row.at));
+    }
+    EXPECT_EQ(open_handles(), handles);
+}
+
+// A disk with so and so much room: a write that does not fit is refused, smaller ones still go.
+TEST(FileFailure, WhatStillFitsIsWrittenAndNothingElseIsKept) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.path(L"document");
+    for (const int refused : {1, 2, 3, 4}) {
+        SCOPED_TRACE(refused);
+        IXFile* const file = Fio_Open(path.c_str(), QZFILE_WRITE);
+        file->Write("abc", 3);
+        {
+            int calls = 0;
+            const FileCalls full([&](const char* function) -> DWORD {
+                return std::string_view(function) == "WriteFile" && ++calls >= refused ? ERROR_DISK_FULL : 0;
+            });
+            EXPECT_EQ(failure_of([&] { file->Write(std::string(500'000, 'x').data(), 500'000); }),
+                      refused == 1 ? failure(3, 2, path) : "");
+        }
+        EXPECT_EQ(file->GetPosition(), refused == 1 ? 3u : 500'003u);
+        file->Seek(600'000, 0);
+        file->WriteByte('e');
+        file->Seek(3, 0);
+        char byte = 'x';
+        file->Read(&byte, 1);
+        EXPECT_EQ(byte, refused == 1 ? '\0' : 'x');
+        file->Release();
+        EXPECT_EQ(file_bytes(path).size(), 600'001u);
+    }
+}
+
+// Each call of a whole replacement is refused once.
+void refuse_each_call(int mode, bool exists, bool commit) {
+    const std::string old = "the old document";
+    const std::string added = std::string(5000, 'n') + "small";
+    const std::string fresh = (mode & QZFILE_KEEP) != 0 && exists ? old + added : added;
+    const unsigned handles = handles_before();
+    std::map<std::string, int> outcomes;
+    for (int at = 1, done = 0; done == 0; ++at) {
+        const ScratchFolder folder;
+        const std::wstring path = folder.path(L"document");
+        if (exists) folder.file(L"document", old);
+        std::string refused;
+        {
+            int calls = 0;
+            const FileCalls watched([&](const char* function) -> DWORD {
+                if (++calls != at) return 0;
+                refused = function;
+                return ERROR_DISK_FULL;
+            });
+            const std::string thrown = failure_of([&] {
+                const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), mode));
+                file->Write(added.data(), 5000);
+                file->Write(added.data() + 5000, 5);
+                if (commit) file->Commit();
+            });
+            SCOPED_TRACE(testing::Message() << "call " << at << " " << refused << ": " << thrown);
+            const std::string document = folder.contents(L"document");
+            const std::vector<std::string> left = temporaries(folder.path());
+            if (refused == "MoveFileW" && exists) { // the target is gone: the temporary file is the document
+                EXPECT_EQ(thrown, failure(3, 9, path));
+                EXPECT_FALSE(folder.has(L"document"));
+                EXPECT_EQ(left, std::vector<std::string>{"whole: " + fresh});
+            } else if (thrown.empty() && commit) {
+                EXPECT_TRUE(document == fresh);
+                EXPECT_TRUE(left.empty());
+            } else {
+                EXPECT_EQ(folder.has(L"document"), exists);
+                EXPECT_EQ(document, exists ? old : "");
+                EXPECT_TRUE(left.empty() || (refused == "DeleteFileW" && !commit));
+            }
+            EXPECT_EQ(Fio_LockCount(path.c_str(), false), 0);
+            ++outcomes[thrown.empty() ? "done" : "thrown"];
+        }
+        EXPECT_EQ(open_handles(), handles) << refused;
+        if (refused.empty()) done = 1;
+    }
+    EXPECT_GT(outcomes["thrown"], 4) << "calls that matter were refused";
+}
+
+TEST(FileFailure, EachCallOfReplacing) { refuse_each_call(QZFILE_WRITE, true, true); }
+TEST(FileFailure, EachCallOfAppending) { refuse_each_call(QZFILE_WRITE | QZFILE_KEEP, true, true); }
+TEST(FileFailure, EachCallOfCreating) { refuse_each_call(QZFILE_WRITE, false, true); }
+TEST(FileFailure, EachCallOfAbandoning) { refuse_each_call(QZFILE_WRITE | QZFILE_KEEP, true, false); }
+
+TEST(FileFailure, TheDirectoryDecidesWhatATemporaryFileFailsWith) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.path(L"document");
+    const struct {
+        DWORD error;
+        unsigned code;
+    } rows[] = {{3, 7},   {53, 7},  {123, 7}, {161, 7}, {267, 7}, {5, 9},  {64, 13},
+                {65, 13}, {66, 13}, {67, 13}, {2, 2},   {8, 2},   {112, 2}};
+    for (const auto& row : rows) {
+        const Refusal refusal("GetTempFileNameW", 1, row.error);
+        EXPECT_EQ(failure_of([&] { Fio_OpenOut(path.c_str(), QZFILE_WRITE); }),
+                  "code " + std::to_string(row.code))
+            << row.error;
+    }
+    EXPECT_EQ(failure_of([&] { Fio_OpenOut(folder.path(L"gone\\document").c_str(), QZFILE_WRITE); }),
+              "code 7");
+    EXPECT_EQ(folder.count(), 0u);
+}
+
+} // namespace
