@@ -70,6 +70,25 @@ struct PlatformKind {
     }
 };
 
+// Any stream inside a document is one of the same rules.
+template <class Kind>
+struct DocumentOf : Kind {
+    static constexpr bool kFirstHalfOfWideText = false;
+    DocumentOf() {
+        new_CIXDocStorage(memory_storage().Get(), CQZRef<PatientSink>::Adopt(new PatientSink).Get(),
+                          document.Put(), 0);
+    }
+    IXStream* open() {
+        const auto raw = StreamRef::Adopt(Kind::open());
+        IXStream* wrapped = nullptr;
+        new_CIXDocStream(document.Get(), raw.Get(), &wrapped, 0);
+        return wrapped;
+    }
+    StorageRef document;
+};
+using DocumentInStorage = DocumentOf<StorageKind>;
+using DocumentInMemory = DocumentOf<MemoryKind>;
+
 } // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, StreamContract, MemoryKind);
@@ -82,3 +101,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, StreamContract, TransactedFileKin
 INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, StreamVariantContract, TransactedFileKind);
 INSTANTIATE_TYPED_TEST_SUITE_P(Platform, StreamContract, PlatformKind);
 INSTANTIATE_TYPED_TEST_SUITE_P(Platform, StreamVariantContract, PlatformKind);
+INSTANTIATE_TYPED_TEST_SUITE_P(Document, StreamContract, DocumentInStorage);
+INSTANTIATE_TYPED_TEST_SUITE_P(Document, StreamVariantContract, DocumentInStorage);
+INSTANTIATE_TYPED_TEST_SUITE_P(MemoryDocument, StreamContract, DocumentInMemory);
+INSTANTIATE_TYPED_TEST_SUITE_P(MemoryDocument, StreamVariantContract, DocumentInMemory);
