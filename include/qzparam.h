@@ -71,7 +71,7 @@ QZR_API IParam* new_MemParam();
 QZR_API int Param_Param2String(IParam* param, CXString& out);
 
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
-/// "#include" opens files; names beginning with "." are taken from the current directory.
+/// "#include" opens files as Fio_Open does; names beginning with "." are taken from the current directory.
 /// @return 1; 0 when param is null or there is no memory for reading. Throws CXMemException when there is
 /// none
 ///         for a value, and what the tree throws. What was read until then is kept in either case.
@@ -105,21 +105,35 @@ QZR_API void Dump_Param(IParam* param);
 class IXStorage;
 
 /// Opens an INI file as a live tree: every operation goes straight to the file through the platform's
-/// private-profile functions, nothing is cached. docs/ini-form.md describes the file.
+/// private-profile functions, nothing is cached, and what they cannot do is not reported. Each node is a
+/// section. docs/ini-form.md describes the file.
+///
+/// Where the platform's files differ from other trees: each node lists a value "@" from the start;
+/// CreateSubParam does not empty a child that exists; a path names one section, so that the nodes on the way
+/// are listed and do not open; a value, a name or a section of more than 32,766 characters is not stored; of
+/// a list or a text, 64,000 bytes are read.
 /// @param fileName give a full path: the platform takes others to be in the Windows directory
 /// @return the root node with one reference; null when there is no memory. The file and its directory are
-///         created when missing.
+///         created when missing. Throws CXFileException with QZOP_CREATE_DIRECTORY when that fails.
 extern "C" QZR_API IParam* new_IParamIniFile(const wchar_t* fileName);
 
-/// Reads a whole file in the text form into a tree, adding to what is there.
+/// Reads a whole file in the text form into a tree, adding to what is there. Names in "#include" that begin
+/// with "." are taken from the file's directory.
 /// @return as Param_String2Param. Throws CXFileException when the file does not open.
 QZR_API int Param_IniFile2Param(const wchar_t* fileName, IParam* param);
 
 /// Writes a tree into a file in the text form; the file is replaced as a whole, safely.
-/// @return 1. Throws CXFileException and CXException when it cannot be written.
+/// @return 1; 0 when param is null (nothing is written). Throws CXFileException and CXException when the file
+///         cannot be written, CXMemException, CXIFaceException when a node gives no enumerator, and what the
+///         tree throws; the file is then as it was.
 QZR_API int Param_Param2IniFile(IParam* param, const wchar_t* fileName);
 
-/// Opens an existing key below HKEY_CURRENT_USER as a live tree. docs/registry-form.md describes the layout.
+/// Opens an existing key below HKEY_CURRENT_USER as a live tree: sub-keys are children, nothing is cached,
+/// and what the registry refuses is not reported. docs/registry-form.md describes the layout.
+///
+/// Names are the registry's: "\" is an ordinary character in a value's name and separates levels in a
+/// sub-key's, also in DeleteSubParam; null and empty name the key's default value, and no sub-key. Clear
+/// keeps the sub-keys, empty. A name of more than 512 characters ends a list.
 /// @return the node with one reference; null when the key does not open (nothing is created)
 extern "C" QZR_API IParam* new_IParamCUReg(const wchar_t* subKey);
 /// The same below HKEY_LOCAL_MACHINE.

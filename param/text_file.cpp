@@ -1,6 +1,7 @@
 #include "param/text_file.h"
 
 #include "core/windows_lean.h"
+#include "fio/path_kind.h"
 #include "qzfile.h"
 #include "qzref.h"
 #include "qzstring.h"
@@ -11,14 +12,18 @@ namespace qzr {
 
 namespace {
 
-constexpr unsigned kLeastPiece = 64 << 10;
+constexpr std::size_t kFirstPiece = 64 << 10;
+constexpr std::size_t kLargestPiece = 1 << 30;
 
 std::wstring directory_of(const std::wstring& path) {
     const std::size_t last = path.find_last_of(L"\\/");
     return last != std::wstring::npos ? path.substr(0, last + 1) : std::wstring();
 }
 
+} // namespace
+
 std::wstring full_path(const std::wstring& name) {
+    if (is_memory_path(name.c_str()) || is_url_path(name.c_str())) return name;
     std::wstring path;
     DWORD room = MAX_PATH;
     for (;;) {
@@ -32,8 +37,6 @@ std::wstring full_path(const std::wstring& name) {
     }
 }
 
-} // namespace
-
 std::wstring named_file(std::string_view name, const std::wstring& from) {
     std::wstring path = CXStringW(std::string(name).c_str()).GetData();
     if (path.empty()) return path;
@@ -46,22 +49,31 @@ bool same_file(const std::wstring& a, const std::wstring& b) {
                                 TRUE) == CSTR_EQUAL;
 }
 
-bool read_text_file(const std::wstring& path, std::string& content) {
+// Piece by piece, each as large as all before it. The size is not asked for: that of a block of memory is
+// whatever its name says, and a file of 2 GiB and more has none to tell.
+std::string read_text_file(const std::wstring& path) {
+    const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path.c_str(), QZFILE_READ));
+    if (!file) throw CXMemException();
+    std::string content;
+    for (;;) {
+        const std::size_t before = content.size();
+        const std::size_t piece = std::clamp(before, kFirstPiece, kLargestPiece);
+        content.resize(before + piece);
+        const std::size_t got = file->Read(content.data() + before, static_cast<unsigned>(piece));
+        if (got == piece) continue;
+        content.resize(before + got);
+        return content;
+    }
+}
+
+bool try_read_text_file(const std::wstring& path, std::string& content) {
     content.clear();
     try {
-        const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path.c_str(), QZFILE_READ));
-        if (!file) return false;
-        // A file of 2 GiB and more does not tell its size, but is read in sequence all the same.
-        const unsigned piece = std::max(file->GetSize() + 1, kLeastPiece);
-        for (unsigned got = piece; got == piece;) {
-            const std::size_t have = content.size();
-            content.resize(have + piece);
-            got = file->Read(content.data() + have, piece);
-            content.resize(have + got);
-        }
+        content = read_text_file(path);
         return true;
-    } catch (const CXFileException&) {
-        content.clear();
+    } catch (const CXMemException&) {
+        throw;
+    } catch (const CXException&) {
         return false;
     }
 }

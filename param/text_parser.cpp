@@ -110,7 +110,7 @@ private:
         if (path.empty() || is_being_read(path)) return;
         ++includes_;
         std::string content;
-        if (read_text_file(path, content)) sources_.emplace_back(std::move(content), std::move(path));
+        if (try_read_text_file(path, content)) sources_.emplace_back(std::move(content), std::move(path));
     }
 
     bool is_being_read(const std::wstring& path) const {

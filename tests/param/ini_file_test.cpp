@@ -1,0 +1,147 @@
+// Whole files in the text form: read into trees and replaced by them.
+#include "foreign_param.h"
+#include "forms.h"
+
+#include "support/file_failure.h"
+#include "support/param_outline.h"
+#include "support/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include <windows.h>
+
+namespace {
+
+using namespace forms;
+
+class IniFile : public testing::Test {
+protected:
+    // The tree of a file, in its string form.
+    static std::string read(const std::wstring& path) {
+        const Tree tree = memory_tree();
+        EXPECT_EQ(Param_IniFile2Param(path.c_str(), tree.Get()), 1);
+        return text_of(*tree);
+    }
+    std::string read_text(std::string_view text) const { return read(folder_.file(L"read.ini", text)); }
+
+    ScratchFolder folder_;
+};
+
+TEST_F(IniFile, WritesALineForEachNode) {
+    const Tree tree = tree_from("[\\]|a=i3|t=s two words|[\\s]|[\\s\\deep]|b=f1|[\\z]|c=z1,2");
+    const std::wstring path = folder_.file(L"f.ini", std::string(10000, 'x'));
+    EXPECT_EQ(Param_Param2IniFile(tree.Get(), path.c_str()), 1);
+    EXPECT_EQ(folder_.contents(L"f.ini"),
+              "\r\n[\\]\t\t| a=i3\t| t=s two words\r\n[\\s]\t\r\n[\\s\\deep]\t\t| b=f1\r\n[\\z]\t\t| c=z1,2");
+    EXPECT_EQ(folder_.count(), 1u); // no temporary file is left
+    EXPECT_EQ(read(path), text_of(*tree));
+    EXPECT_EQ(Param_Param2IniFile(memory_tree().Get(), path.c_str()), 1);
+    EXPECT_EQ(folder_.contents(L"f.ini"), "\r\n[\\]\t");
+}
+
+TEST_F(IniFile, AddsToTheTree) {
+    const Tree tree = tree_from("[\\]|a=i1|b=i2");
+    EXPECT_EQ(Param_IniFile2Param(folder_.file(L"f.ini", "[\\]\nb=i3\n[\\s]\nc=i4").c_str(), tree.Get()), 1);
+    EXPECT_EQ(text_of(*tree), "[\\]|a=i1|b=i3|[\\s]|c=i4|");
+    EXPECT_EQ(read_text(""), "[\\]|");
+}
+
+TEST_F(IniFile, ReadsWhatALiveTreeWrote) {
+    const std::wstring path = folder_.path(L"live.ini");
+    const auto live = Tree::Adopt(new_IParamIniFile(path.c_str()));
+    const Tree tree = tree_from("[\\]|a=i3|t=stext|[\\s]|[\\s\\deep]|b=f1|");
+    Param_CopyTo(tree.Get(), live.Get());
+    EXPECT_EQ(read(path), "[\\]|@=e|a=i3|t=stext|[\\s]|@=e|[\\s\\deep]|@=e|b=f1|");
+    // The other way the sections are there, but their values stand on the line of the name.
+    Param_Param2IniFile(tree.Get(), path.c_str());
+    const auto again = Tree::Adopt(new_IParamIniFile(path.c_str()));
+    EXPECT_EQ(get_int(*again, "a"), kNoValue);
+}
+
+TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
+    const std::string block = "from_memory=i7";
+    void* const low =
+        VirtualAlloc(reinterpret_cast<void*>(0x20000000), 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    ASSERT_NE(low, nullptr);
+    std::memcpy(low, block.data(), block.size());
+    const std::string memory = "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(low)) + ",";
+    folder_.file(L"one.ini", "one=i1|#include .\\f.ini|#include \".\\two.ini\"");
+    folder_.file(L"two.ini", "two=i2");
+    const struct {
+        std::string include;
+        const char* read;
+    } rows[] = {
+        {".\\two.ini", "two=i2|"},
+        {".\\one.ini", "one=i1|two=i2|"}, // which does not include the file itself again
+        {narrow(folder_.path(L"two.ini").c_str()), "two=i2|"},
+        {"two.ini", ""}, // is taken from the current directory
+        {memory + std::to_string(block.size()), "from_memory=i7|"},
+        {"FMEM" + memory.substr(4) + "11", "from_memory=i0|"},
+        {memory + "2000000000", ""}, // more than there is
+        {"fmem::1,100", ""},
+        {"fmem::", ""},
+        {"ftp://", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.include);
+        const std::wstring path = folder_.file(L"f.ini", "[\\]\na=i1\n#include " + row.include + "\nz=i1");
+        EXPECT_EQ(read(path), std::string("[\\]|a=i1|") + row.read + "z=i1|");
+    }
+    const std::string whole = "[\\]|v=i1|#include " + memory + "40";
+    std::memcpy(low, whole.data(), whole.size() + 1);
+    const std::string name = memory + std::to_string(whole.size());
+    EXPECT_EQ(read(std::wstring(name.begin(), name.end())), "[\\]|v=i1|");
+    VirtualFree(low, 0, MEM_RELEASE);
+}
+
+TEST_F(IniFile, ThrowsWhatOpeningThrows) {
+    const Tree tree = memory_tree();
+    const std::wstring missing = folder_.path(L"missing.ini");
+    const std::wstring held = folder_.file(L"held.ini", "[\\]");
+    const HANDLE holder = CreateFileW(held.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const auto read_from = [&](const std::wstring& path, IParam* target) {
+        return failure_of([&] { EXPECT_EQ(Param_IniFile2Param(path.c_str(), target), 0); });
+    };
+    EXPECT_EQ(read_from(missing, tree.Get()), failure(6, 1, missing));
+    EXPECT_EQ(read_from(missing, nullptr), failure(6, 1, missing));
+    EXPECT_EQ(read_from(held, tree.Get()), failure(8, 1, held));
+    EXPECT_EQ(failure_of([&] { Param_Param2IniFile(tree.Get(), held.c_str()); }), "code 9");
+    CloseHandle(holder);
+    EXPECT_EQ(read_from(held, nullptr), "");
+    EXPECT_EQ(Param_Param2IniFile(nullptr, held.c_str()), 0);
+    ForeignTree failing({{"set", "v"}, {"create", "a"}});
+    failing.calls_left = 4;
+    EXPECT_EQ(failure_of([&] { Param_Param2IniFile(failing.root().Get(), held.c_str()); }), "code 4711");
+    EXPECT_EQ(folder_.contents(L"held.ini"), "[\\]");
+    EXPECT_EQ(folder_.count(), 1u);
+}
+
+using IniFileScale = IniFile;
+
+// Each file of a chain cut short at each byte, and with a bit of each byte turned over.
+TEST_F(IniFileScale, SurvivesDamage) {
+    const std::string texts[] = {
+        "[\\]|a=i1\r\n#include .\\1.ini\r\n[\\s]|b=xAB|c=T1,2,3,4",
+        "[\\in]\t| d=s text\r\n#include .\\1.ini\n;c\n[\\in\\deep]| e=Z1,2",
+    };
+    folder_.file(L"1.ini", texts[1]);
+    for (int which = 0; which < 2; ++which) {
+        const std::string& text = texts[which];
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            std::string flipped = text;
+            flipped[i] = static_cast<char>(flipped[i] ^ (1 << i % 8));
+            for (const std::string& damaged : {text.substr(0, i), flipped}) {
+                folder_.file(std::to_wstring(which) + L".ini", damaged);
+                const std::string tree = read(folder_.path(L"0.ini"));
+                if (which == 0) continue;
+                EXPECT_EQ(tree.substr(0, 9), "[\\]|a=i1|") << damaged;
+                EXPECT_NE(tree.find("[\\s]|b=xAB|c=T1,2,3,4|"), tree.npos) << damaged;
+            }
+        }
+        folder_.file(L"0.ini", texts[0]);
+    }
+}
+
+} // namespace
