@@ -14,5 +14,4 @@
 #include "qzsupp.h"
 #include "qzsync.h"
 #include "qzunknown.h"
-#include "qzurl.h"
 #include "qzvariant.h"

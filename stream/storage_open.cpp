@@ -1,5 +1,4 @@
 // Opening compound files, and wrapping storages that come from outside.
-#include "qzurl.h"
 #include "stream/ole_storage.h"
 #include "stream/stg_error.h"
 
@@ -28,11 +27,7 @@ int storage_mode_of(DWORD platform_mode) {
 
 } // namespace qzr
 
-// Memory paths look like URLs to the platform; they go to its storages as they stand.
-IXStorage* open_Storage(const wchar_t* path, int mode) {
-    const bool remote = Fio_IsMemFile(path) == 0 && Fio_PathIsURL(path) != 0;
-    return remote ? open_UrlStorage(path, L"", mode) : qzr::open_compound_file(path, mode);
-}
+IXStorage* open_Storage(const wchar_t* path, int mode) { return qzr::open_compound_file(path, mode); }
 
 IXStorage* new_StorageByOleStorage(void* platformStorage) {
     using namespace qzr;

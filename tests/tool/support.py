@@ -7,13 +7,14 @@ import unittest
 TREE = os.environ["QZRTOOL_TREE"]
 
 # Exit codes.
-OK, NO, TROUBLE, STRICT = 0, 1, 2, 3
+OK, NO, TROUBLE, STRICT, CANCELLED = 0, 1, 2, 3, 4
 
 
 class Result:
     def __init__(self, process):
         self.code = process.returncode
-        self.out = process.stdout.decode("utf-8")
+        self.bytes = process.stdout
+        self.out = process.stdout.decode("utf-8", "replace")
         self.err = process.stderr.decode("utf-8").replace("\r\n", "\n")
 
 
@@ -25,16 +26,20 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = folder.name
 
-    def run_program(self, program, *arguments, env=None):
+    def command(self, program, *arguments):
         runner = os.environ.get("QZRTOOL_RUNNER")
-        command = ([runner] if runner else []) + [os.path.join(os.environ["QZRTOOL_BIN"], program + ".exe"), *arguments]
+        if program != "reg":  # which the system has
+            program = os.path.join(os.environ["QZRTOOL_BIN"], program + ".exe")
+        return ([runner] if runner else []) + [program, *arguments]
+
+    def run_program(self, program, *arguments, env=None, stdin=b""):
         environment = {**os.environ, **(env or {})}
-        return Result(subprocess.run(command, cwd=self.folder, env=environment, stdin=subprocess.DEVNULL,
+        return Result(subprocess.run(self.command(program, *arguments), cwd=self.folder, env=environment, input=stdin,
                                      capture_output=True, timeout=100, check=False))
 
-    def tool(self, *arguments, code=OK, env=None):
+    def tool(self, *arguments, code=OK, env=None, stdin=b""):
         """Runs qzrtool, which is to end with a code; without trouble expected it is to be silent about it."""
-        result = self.run_program("qzrtool", *arguments, env=env)
+        result = self.run_program("qzrtool", *arguments, env=env, stdin=stdin)
         self.assertEqual(result.code, code, f"qzrtool {' '.join(arguments)}\n{result.out}{result.err}")
         return result
 

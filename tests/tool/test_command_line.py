@@ -26,6 +26,7 @@ class CommandLine(ProgramTest):
             (["show", "--json=1", "a.qzt"], "--json takes no value"),
             (["show", "--color=red", "a.qzt"], '--color: "red" is not understood'),
             (["help", "frobnicate"], 'there is no command "frobnicate"'),
+            (["storage"], "which storage command? qzrtool help storage lists them"),
         ]
         for arguments, message in cases:
             with self.subTest(arguments=arguments):
@@ -45,17 +46,26 @@ class CommandLine(ProgramTest):
         overview = self.tool("help").out
         self.assertEqual(self.tool("--help").out, overview)
         commands = ("show", "convert", "diff", "get", "set", "rm", "help")
-        for word in (*commands, "text:FILE", "stream:FILE", "--strict"):
+        for word in (*commands, "text:FILE", "stream:FILE", "reg:HKCU\\KEY", "storage ls", "recover", "--strict"):
             self.assertIn(f"  {word}", overview)
         for command in commands:
             page = self.tool("help", command).out
             self.assertTrue(page.startswith(f"qzrtool {command} "), page)
             self.assertEqual(self.tool(command, "--help").out, page)
 
+    def test_help_on_groups(self):
+        rows = self.tool("help", "storage").out
+        names = re.findall(r"^  (\S+ \S+)", rows, re.MULTILINE)
+        self.assertEqual(names, ["storage " + name for name in "ls cat put rm pack extract check".split()])
+        page = self.tool("help", "storage", "ls").out
+        self.assertTrue(page.startswith("qzrtool storage ls FILE"), page)
+        self.assertEqual(self.tool("storage", "ls", "--help").out, page)
+
     def test_manual_names_every_option_and_type(self):
         with open(os.path.join(TREE, "docs", "qzrtool.md"), encoding="utf-8") as file:
             manual = file.read()
-        pages = "".join(self.tool("help", name).out for name in ("show", "convert", "diff", "get", "set", "rm"))
+        pages = "".join(self.tool("help", *name.split()).out for name in ("show", "convert", "diff", "get", "set", "rm",
+                                                                 "storage pack", "recover"))
         for option in set(re.findall(r"--[a-z]+", pages)):
             self.assertIn(option, manual)
         for kind in re.findall(r"^  (?:[a-zA-Z], )?([a-z]+)  ", self.tool("help", "set").out, re.MULTILINE):

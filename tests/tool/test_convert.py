@@ -115,7 +115,7 @@ class Convert(ProgramTest):
             ("missing.qzt", "missing.qzt: there is no such file"),
             ("folder", "folder: is a directory"),
             ("empty", "empty: which kind of tree?"),
-            ("ini:a", 'there is no kind of tree called "ini"'),
+            ("yaml:a", 'there is no kind of tree called "yaml"'),
             ("text:", '"text:" names no file'),
         ]
         for source, message in cases:

@@ -1,5 +1,6 @@
 #include "address.h"
 
+#include "console.h"
 #include "diagnostics.h"
 #include "encoding.h"
 #include "files.h"
@@ -15,17 +16,48 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Under Wine the files of the Unix system lie on a drive of their own, so the script that starts this
-/// program there says which: a path that begins with one slash belongs to it.
-fs::path native_path(const std::wstring& path) {
-    const wchar_t* root = _wgetenv(L"QZRTOOL_UNIX_ROOT");
-    const bool rooted = path.size() > 1 && path[0] == L'/' && path[1] != L'/';
-    return root != nullptr && rooted ? fs::path(root + path).make_preferred() : fs::path(path);
+/// Takes HKCU\\KEY apart.
+void locate_key(Address& address, std::wstring text) {
+    if (text.find(L'\\') == text.npos) std::replace(text.begin(), text.end(), L'/', L'\\');
+    while (text.ends_with(L'\\')) {
+        text.pop_back();
+    }
+    const std::size_t end = std::min(text.find(L'\\'), text.size());
+    const CXStringW hive(text.substr(0, end).c_str());
+    address.machine = hive.CompareI(L"HKLM") == 0;
+    if (!address.machine && hive.CompareI(L"HKCU") != 0)
+        fail(address.shown + ": a key begins with HKCU\\ or HKLM\\");
+    address.inside = text.substr(std::min(end + 1, text.size()));
+}
+
+/// Takes FILE!STORAGE apart; a file whose own name has the mark is meant by its whole name.
+void locate_storage(Address& address, std::wstring text) {
+    const std::size_t mark = text.rfind(L'!');
+    std::error_code ignored;
+    if (mark != text.npos && mark > 0 && !fs::exists(native_path(text), ignored)) {
+        address.inside = text.substr(mark + 1);
+        text.resize(mark);
+    }
+    address.file = fs::absolute(native_path(text));
+}
+
+const Kind* kind_by_contents(const Address& address) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(address.file, ignored)) return nullptr;
+    return kind_of_contents(read_file(address.file, address.shown));
+}
+
+/// A mark parts a storage only from a file that has storages.
+void locate_unknown(Address& address, const std::wstring& text) {
+    locate_storage(address, text);
+    if (address.inside.empty() || kind_by_contents(address) == &kStorageKind) return;
+    address.inside.clear();
+    address.file = fs::absolute(native_path(text));
 }
 
 /// Splits KIND:FILE. A single letter before the colon is a drive.
 Address split(const std::wstring& argument) {
-    Address address = {nullptr, {}, {}};
+    Address address = {};
     std::wstring file = argument;
     const std::size_t colon = argument.find(L':');
     if (colon != std::wstring::npos && colon > 1) {
@@ -36,8 +68,18 @@ Address split(const std::wstring& argument) {
         file = argument.substr(colon + 1);
     }
     if (file.empty()) fail("\"" + printable(utf8(argument)) + "\" names no file");
-    address.file = fs::absolute(native_path(file)); // loading may change the working directory
     address.shown = printable(utf8(file));
+    if (address.kind == nullptr) {
+        locate_unknown(address, file);
+    } else if (address.kind->place == Place::registry) {
+        locate_key(address, file);
+    } else if (address.kind->place == Place::storage) {
+        locate_storage(address, file);
+    } else {
+        address.standard = address.kind->place == Place::file_or_standard && file == L"-";
+        address.file = fs::absolute(native_path(file)); // loading may change the working directory
+    }
+    if (address.standard) address.shown = "standard input";
     return address;
 }
 
@@ -46,12 +88,6 @@ const Kind* kind_by_extension(const fs::path& file) {
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return kind_with_extension(utf8(extension));
-}
-
-const Kind* kind_by_contents(const Address& address) {
-    std::error_code ignored;
-    if (!fs::is_regular_file(address.file, ignored)) return nullptr;
-    return kind_of_contents(read_file(address.file, address.shown));
 }
 
 [[noreturn]] void fail_unknown_kind(const Address& address) {
@@ -90,8 +126,26 @@ SplitPath split_path(const std::wstring& argument) {
 
 } // namespace
 
+/// Under Wine the files of the Unix system lie on a drive of their own, so the script that starts this
+/// program there says which: a path that begins with one slash belongs to it.
+fs::path native_path(const std::wstring& path) {
+    const wchar_t* root = _wgetenv(L"QZRTOOL_UNIX_ROOT");
+    const bool rooted = path.size() > 1 && path[0] == L'/' && path[1] != L'/';
+    return root != nullptr && rooted ? fs::path(root + path).make_preferred() : fs::path(path);
+}
+
+std::string read_source(const Address& address) {
+    return address.standard ? read_standard_input() : read_file(address.file, address.shown);
+}
+
+void replace_target(const Address& address, std::string_view bytes) {
+    if (!address.standard) return replace_file(address.file, bytes, address.shown);
+    if (!write_standard(StandardStream::output, bytes)) fail("standard output cannot be written");
+}
+
 Address source_address(const std::wstring& argument) {
     Address address = split(argument);
+    if (address.standard || address.file.empty()) return address;
     std::error_code error;
     if (!fs::exists(address.file, error)) fail(address.shown + ": there is no such file");
     if (fs::is_directory(address.file, error)) fail(address.shown + ": is a directory");
@@ -103,10 +157,16 @@ Address source_address(const std::wstring& argument) {
 
 Address target_address(const std::wstring& argument) {
     Address address = split(argument);
+    if (address.standard) address.shown = "standard output";
     if (address.kind == nullptr) address.kind = kind_by_extension(address.file);
     if (address.kind == nullptr) address.kind = kind_by_contents(address);
     if (address.kind == nullptr) fail_unknown_kind(address);
     return address;
+}
+
+Address compound_address(const std::wstring& argument) {
+    const std::wstring prefix = L"stor:";
+    return split(argument.starts_with(prefix) ? argument : prefix + argument);
 }
 
 TreePath value_path(const std::wstring& argument) {

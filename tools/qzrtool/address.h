@@ -13,9 +13,21 @@ struct Kind;
 /// An argument such as text:settings.qzt, taken apart.
 struct Address {
     const Kind* kind;
-    std::filesystem::path file;
-    std::string shown; // the file as the user wrote it, for messages
+    std::filesystem::path file; // empty for keys of the registry
+    std::wstring inside;        // the storage in the file; the key of the registry below its root
+    std::string shown;          // as the user wrote it, for messages
+    bool standard = false;      // "-": standard input or output
+    bool machine = false;       // the key is below HKLM rather than HKCU
 };
+
+/// @return the path as this system takes it: under Wine one of the Unix system is found on a drive
+std::filesystem::path native_path(const std::wstring& path);
+
+/// The bytes of a file, or of standard input.
+std::string read_source(const Address& address);
+
+/// Puts the bytes in a file's place, or writes them to standard output.
+void replace_target(const Address& address, std::string_view bytes);
 
 /// The address of a tree that is there. Without a kind in front of it the file's contents tell the kind, or
 /// its extension when it is empty. Fails when there is no such file.
@@ -24,6 +36,10 @@ Address source_address(const std::wstring& argument);
 /// The address of a tree to be written. Without a kind in front of it the extension tells the kind; failing
 /// that, the contents of the file that is there already.
 Address target_address(const std::wstring& argument);
+
+/// FILE!PATH, where only a compound file makes sense; a "stor:" in front may be left out. The file need not
+/// be there.
+Address compound_address(const std::wstring& argument);
 
 /// Takes the path of a value or section apart. "\" separates names, and so does "/" in a path without any
 /// "\"; a separator at the end makes it the path of a section.

@@ -33,11 +33,23 @@ Typed take_apart(const std::vector<std::wstring>& arguments) {
     return typed;
 }
 
-const Command& command_named(const std::string& name) {
-    for (const Command& command : commands()) {
-        if (name == command.name) return command;
+/// Takes the name of the command, one word or two, off the front of the words.
+const Command& take_command(std::vector<std::wstring>& words) {
+    const std::string first = utf8(words.front());
+    std::string name = first;
+    for (std::size_t count = 1; count <= 2 && count <= words.size(); ++count) {
+        if (count == 2) name += " " + utf8(words[1]);
+        for (const Command& command : commands()) {
+            if (name != command.name) continue;
+            words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count));
+            return command;
+        }
     }
-    fail("there is no command \"" + printable(name) + "\"; qzrtool help lists them");
+    for (const Command& command : commands()) {
+        if (is_named(command, first))
+            fail("which " + first + " command? qzrtool help " + first + " lists them");
+    }
+    fail("there is no command \"" + printable(first) + "\"; qzrtool help lists them");
 }
 
 void set_option(const Command& command, const std::string& typed, Options& options) {
@@ -65,6 +77,11 @@ void check_count(const Command& command, std::size_t count) {
 
 } // namespace
 
+bool is_named(const Command& command, std::string_view name) {
+    const std::string_view own = command.name;
+    return own == name || (own.starts_with(name) && own[name.size()] == ' ');
+}
+
 bool takes(const Command& command, const Option& option) {
     return option.every_command || lists(command.options, option.name);
 }
@@ -84,10 +101,8 @@ ExitCode run(const std::vector<std::wstring>& arguments) {
                   [](const std::string& option) { return option == "--help" || option == "-h"; });
     if (typed.words.empty()) fail("which command? qzrtool help lists them");
 
-    const Command& command = command_named(utf8(typed.words.front()));
-    typed.words.erase(typed.words.begin());
-    const bool asked_for_help = command.run == run_help;
-    if (asked_for_help && typed.words.size() > 1) typed.words.resize(1);
+    const Command& command = take_command(typed.words);
+    if (command.run == run_help && typed.words.size() > 2) typed.words.resize(2);
     Options options;
     for (const std::string& option : typed.options) {
         set_option(command, option, options);

@@ -4,6 +4,7 @@
 #include "console.h"
 #include "diagnostics.h"
 #include "kinds.h"
+#include "progress.h"
 #include "view.h"
 
 #include <span>
@@ -19,6 +20,8 @@ struct Options {
     ViewOptions view;
     LoadOptions load;
     SaveOptions save;
+    ProgressChoice progress = ProgressChoice::automatic;
+    bool yes = false; // do without asking
 };
 
 /// What a command works on.
@@ -30,7 +33,7 @@ struct Invocation {
 };
 
 struct Command {
-    const char* name;
+    const char* name;      // one word, or the word of a group and one of its own
     const char* arguments; // for people
     const char* summary;
     const char* details;
@@ -49,6 +52,9 @@ struct Option {
 };
 
 std::span<const Command> commands();
+
+/// @return whether a command is the one named, or belongs to the group of that name
+bool is_named(const Command& command, std::string_view name);
 std::span<const Option> all_options();
 
 /// @return whether a command takes an option
@@ -64,6 +70,17 @@ ExitCode run_diff(Invocation& invocation);
 ExitCode run_get(Invocation& invocation);
 ExitCode run_set(Invocation& invocation);
 ExitCode run_rm(Invocation& invocation);
+ExitCode run_storage_ls(Invocation& invocation);
+ExitCode run_storage_cat(Invocation& invocation);
+ExitCode run_storage_check(Invocation& invocation);
+ExitCode run_storage_put(Invocation& invocation);
+ExitCode run_storage_rm(Invocation& invocation);
+ExitCode run_storage_pack(Invocation& invocation);
+ExitCode run_storage_extract(Invocation& invocation);
+ExitCode run_file_info(Invocation& invocation);
+ExitCode run_file_probe(Invocation& invocation);
+ExitCode run_file_lock_test(Invocation& invocation);
+ExitCode run_recover(Invocation& invocation);
 ExitCode run_help(Invocation& invocation);
 
 } // namespace tool

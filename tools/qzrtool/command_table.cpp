@@ -28,13 +28,54 @@ constexpr Command kCommands[] = {
      run_set},
     {"rm", "TREE PATH", "removes a value, or, when the path ends in a separator, a section",
      "The file keeps its kind, and a text file its comments and layout.", 2, 2, "", run_rm},
-    {"help", "[COMMAND]", "says how to use a command", "", 0, 1, "", run_help},
+    {"storage ls", "FILE[!STORAGE]", "lists what a compound file holds, with the sizes of its streams",
+     "Characters that a file name cannot have are shown as \"%\" and two hexadecimal digits; names are typed "
+     "the same\nway.",
+     1, 1, "json", run_storage_ls},
+    {"storage cat", "FILE!STREAM", "writes the bytes of a stream to standard output", "", 1, 1, "progress",
+     run_storage_cat},
+    {"storage put", "FILE!STREAM SOURCE", "makes a file, or standard input (-), a stream of a compound file",
+     "Missing storages are made, and the compound file too. It is replaced at once or not at all.", 2, 2,
+     "progress", run_storage_put},
+    {"storage rm", "FILE!PATH", "removes a stream, or, when the path ends in a separator, a storage",
+     "The file is replaced at once or not at all. It does not become smaller.", 1, 1, "progress",
+     run_storage_rm},
+    {"storage pack", "FOLDER FILE", "makes a compound file of a folder",
+     "The file is replaced at once or not at all.", 2, 2, "progress", run_storage_pack},
+    {"storage extract", "FILE[!STORAGE] FOLDER", "makes a folder of what a compound file holds",
+     "The folder appears when it is complete; nothing is written outside of it, whatever the names are. "
+     "storage pack\nreads them back as they were.",
+     2, 2, "progress", run_storage_extract},
+    {"storage check", "FILE[!STORAGE]", "reads everything in a compound file and reports damage",
+     "The exit code is 1 when there is any.", 1, 1, "progress", run_storage_check},
+    {"file info", "PATH", "tells size, time, owner and writability", "", 1, 1, "json", run_file_info},
+    {"file probe", "PATH", "tries how the file can be opened now", "", 1, 1, "", run_file_probe},
+    {"file lock-test", "PATH", "takes locks on a file and shows what they do here and to another process",
+     "All locks are given back; the file is not changed.", 1, 1, "", run_file_lock_test},
+    {"recover", "FOLDER [NAME]",
+     "finds documents that an interrupted program left complete beside their place",
+     "Asks for each whether it is to be put back, and under which name. With NAME and --yes it asks nothing, "
+     "if there\nis just one. A file of that name is kept beside it.",
+     1, 2, "yes", run_recover},
+    {"help", "[COMMAND]", "says how to use a command", "", 0, 2, "", run_help},
 };
 
 bool set_depth(Options& options, const std::string& value) {
     const char* end = value.data() + value.size();
     const auto result = std::from_chars(value.data(), end, options.view.deepest);
     return result.ec == std::errc() && result.ptr == end && options.view.deepest > 0;
+}
+
+bool set_progress(Options& options, const std::string& value) {
+    if (value == "auto")
+        options.progress = ProgressChoice::automatic;
+    else if (value == "always")
+        options.progress = ProgressChoice::always;
+    else if (value == "never")
+        options.progress = ProgressChoice::never;
+    else
+        return false;
+    return true;
 }
 
 bool set_color(Options& options, const std::string& value) {
@@ -62,6 +103,10 @@ constexpr Option kOptions[] = {
     {"depth", "N", "show N levels of sections at most (64)", set_depth, false},
     {"color", "WHEN", "always, never, or auto: on a terminal or with CLICOLOR_FORCE, unless NO_COLOR is set",
      set_color, false},
+    {"progress", "WHEN", "show a bar always, never, or auto: on a terminal, when it takes long", set_progress,
+     false},
+    {"yes", nullptr, "do it without asking", [](Options& o, const std::string&) { return o.yes = true; },
+     false},
     {"compact", nullptr, "write one line for each section of a text file, instead of one for each value",
      [](Options& o, const std::string&) { return o.save.compact = true; }, false},
 };

@@ -22,6 +22,7 @@ bool tell_losses(Invocation& invocation, const Address& target, IParam& tree) {
 
 /// The tree of a file that is to be changed where it is.
 CQZRef<IParam> load_to_change(Invocation& invocation, const Address& address) {
+    if (address.standard) fail("standard input cannot be changed");
     return load_tree(address, {}, invocation.diagnostics);
 }
 

@@ -82,6 +82,10 @@ bool wants_color(ColorChoice choice) {
 
 } // namespace
 
+bool is_terminal(StandardStream stream) {
+    return is_console(handle_of(stream)) || (stream == StandardStream::error && is_set("QZRTOOL_TERMINAL"));
+}
+
 bool write_standard(StandardStream stream, std::string_view utf8_text) {
     const HANDLE handle = handle_of(stream);
     if (utf8_text.empty()) return true;

@@ -12,6 +12,9 @@ enum class StandardStream { output, error };
 /// Writes at once: to a console as characters, to anything else as UTF-8. @return false when that failed
 bool write_standard(StandardStream stream, std::string_view utf8_text);
 
+/// @return whether somebody is looking: a console, or the environment says so
+bool is_terminal(StandardStream stream);
+
 enum class ColorChoice { automatic, always, never };
 
 /// What a piece of output is; on a terminal each has its colour.

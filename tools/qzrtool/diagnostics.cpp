@@ -2,7 +2,6 @@
 
 #include "console.h"
 #include "encoding.h"
-#include "qzexception.h"
 
 #include <exception>
 #include <new>
@@ -59,9 +58,15 @@ std::string look_up(const NumberedText (&table)[Count], unsigned number, const c
     return otherwise + (" " + std::to_string(number));
 }
 
+} // namespace
+
+std::string error_text(const CXException& error) { return look_up(kCodes, error.GetCode(), "error"); }
+
+namespace {
+
 std::string describe(const CXFileException& e) {
     return printable(utf8(std::wstring_view(e.m_pszFileName))) + ": " +
-           look_up(kOperations, e.m_nOperation, "operation") + ": " + look_up(kCodes, e.GetCode(), "error");
+           look_up(kOperations, e.m_nOperation, "operation") + ": " + error_text(e);
 }
 
 } // namespace
@@ -97,7 +102,8 @@ ExitCode report_current_exception() {
     } catch (const CXFileException& e) {
         return report(describe(e));
     } catch (const CXException& e) {
-        return report(look_up(kCodes, e.GetCode(), "error"));
+        if (e.GetCode() == QZERR_CANCELLED) return report("cancelled", kCancelled);
+        return report(error_text(e));
     } catch (const CXString& system_message) {
         return report(utf8(system_message));
     } catch (const std::bad_alloc&) {

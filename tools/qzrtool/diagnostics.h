@@ -1,15 +1,18 @@
 // Warnings, failures, and the one place where exceptions become texts.
 #pragma once
 
+#include "qzexception.h"
+
 #include <string>
 
 namespace tool {
 
 enum ExitCode {
     kOk = 0,
-    kNo = 1,      // trees differ, a path is not there, or a copy could not hold everything
-    kTrouble = 2, // wrong use, or something failed
-    kStrict = 3,  // there were warnings, and --strict was given
+    kNo = 1,        // trees differ, a path is not there, or a copy could not hold everything
+    kTrouble = 2,   // wrong use, or something failed
+    kStrict = 3,    // there were warnings, and --strict was given
+    kCancelled = 4, // ended by Ctrl-C
 };
 
 /// Ends the command.
@@ -40,6 +43,9 @@ private:
     bool strict_;
     unsigned count_ = 0;
 };
+
+/// @return what went wrong, without the name of the file
+std::string error_text(const CXException& error);
 
 /// Writes a line to standard error.
 void print_error(const std::string& line);

@@ -8,10 +8,29 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kColumn = 28;
+constexpr std::size_t kWidth = 120;
+
+/// Breaks a text at blanks and moves all lines but the first to the column.
+std::string wrapped(std::string text) {
+    constexpr std::size_t kRoom = kWidth - kColumn;
+    for (std::size_t start = 0; text.size() - start > kRoom;) {
+        const std::size_t blank = text.rfind(' ', start + kRoom);
+        if (blank == text.npos || blank <= start) break;
+        text.replace(blank, 1, "\n" + std::string(kColumn, ' '));
+        start = blank + 1 + kColumn;
+    }
+    return text;
+}
 
 std::string row(const std::string& left, const std::string& right) {
-    const std::size_t gap = left.size() + 2 < kColumn ? kColumn - left.size() - 2 : 1;
-    return "  " + left + std::string(gap, ' ') + right + "\n";
+    const bool fits = left.size() + 2 < kColumn;
+    const std::string gap =
+        fits ? std::string(kColumn - left.size() - 2, ' ') : "\n" + std::string(kColumn, ' ');
+    return "  " + left + gap + wrapped(right) + "\n";
+}
+
+std::string command_row(const Command& command) {
+    return row(command.name + (" " + std::string(command.arguments)), command.summary);
 }
 
 std::string option_row(const Option& option) {
@@ -21,11 +40,13 @@ std::string option_row(const Option& option) {
 
 std::string trees_text() {
     std::string text =
-        "\nTrees are files, named as KIND:FILE or as FILE alone. Without a kind, the contents of a file "
-        "that is\nthere tell it, and the extension of a file that is to be written.\n\n";
+        "\nTrees are named as KIND:FILE or as FILE alone. Without a kind, the contents of a file that is\n"
+        "there tell it, and the extension of a file that is to be written. \"-\" is standard input or "
+        "output.\n\n";
     for (const Kind* kind : kinds()) {
-        text += row(kind->name + std::string(":FILE"),
-                    kind->description + std::string(" (") + kind->extensions + ")");
+        const std::string extensions = kind->extensions;
+        text += row(kind->name + std::string(":") + kind->argument,
+                    kind->description + (extensions.empty() ? "" : " (" + extensions + ")"));
     }
     return text + "\nA path such as View/Grid/Spacing names a value, View/Grid/ a section. Where a name "
                   "holds a slash, "
@@ -35,7 +56,7 @@ std::string trees_text() {
 std::string limits_text() {
     std::string text = "\nWhat kinds cannot hold:\n";
     for (const Kind* kind : kinds()) {
-        text += row(kind->name, kind->cannot_hold);
+        text += row(kind->name, what_is_lost(kind->form));
     }
     return text;
 }
@@ -51,9 +72,10 @@ std::string types_text() {
 }
 
 std::string overview() {
-    std::string text = "qzrtool shows, converts, compares and changes stored parameter trees.\n\n";
+    std::string text = "qzrtool shows, converts, compares and changes stored parameter trees, and looks into "
+                       "compound files.\n\n";
     for (const Command& command : commands()) {
-        text += row(command.name + (" " + std::string(command.arguments)), command.summary);
+        text += command_row(command);
     }
     text += row("--version", "prints the version");
     text += trees_text();
@@ -61,9 +83,10 @@ std::string overview() {
     for (const Option& option : all_options()) {
         if (option.every_command) text += option_row(option);
     }
-    return text + "\nExit codes: 0 done, equal; 1 different, not found, or not everything could be held; 2 "
-                  "wrong use "
-                  "or\nfailure; 3 warnings under --strict. qzrtool help COMMAND tells more.\n";
+    return text +
+           "\nExit codes: 0 done, equal; 1 different, not found, or not everything could be held; 2 "
+           "wrong use "
+           "or\nfailure; 3 warnings under --strict; 4 ended by Ctrl-C. qzrtool help COMMAND tells more.\n";
 }
 
 std::string page(const Command& command) {
@@ -81,18 +104,26 @@ std::string page(const Command& command) {
 
 } // namespace
 
+// Behind a command's name its arguments may follow, as they do in front of --help.
 ExitCode run_help(Invocation& invocation) {
-    if (invocation.arguments.empty()) {
+    const auto& words = invocation.arguments;
+    if (words.empty()) {
         invocation.out.write(overview());
         return kOk;
     }
-    const std::string name = utf8(invocation.arguments.front());
+    const std::string first = utf8(words.front());
+    const std::string both = words.size() > 1 ? first + " " + utf8(words[1]) : first;
+    std::string text;
     for (const Command& command : commands()) {
-        if (name != command.name) continue;
-        invocation.out.write(page(command));
-        return kOk;
+        if (command.name == both || command.name == first) {
+            invocation.out.write(page(command));
+            return kOk;
+        }
+        if (is_named(command, first)) text += command_row(command);
     }
-    fail("there is no command \"" + printable(name) + "\"");
+    if (text.empty()) fail("there is no command \"" + printable(first) + "\"");
+    invocation.out.write(text);
+    return kOk;
 }
 
 } // namespace tool

@@ -1,6 +1,7 @@
 #include "kinds.h"
 
 #include "encoding.h"
+#include "qzstream.h"
 #include "values.h"
 
 #include <algorithm>
@@ -9,8 +10,9 @@ namespace tool {
 
 namespace {
 
-// The stream comes first in guessing: its form always has a zero byte, text never.
-const Kind* const kKinds[] = {&kStreamKind, &kTextKind};
+// Guessing goes from the front: a compound file begins with a mark of its own, the stream form always has a
+// zero byte, text never.
+const Kind* const kKinds[] = {&kStorageKind, &kStreamKind, &kTextKind, &kIniKind, &kLiveKind, &kRegistryKind};
 
 bool lists(std::string_view words, std::string_view word) {
     while (!words.empty()) {
@@ -25,7 +27,7 @@ std::string entry_loss(const Kind& kind, const Difference& difference) {
     if (difference.change == Change::added) return difference.path() + ": appears in addition";
     if (difference.is_section) return difference.path() + ": a section of this name cannot be kept";
     const std::string type = type_of(difference.before).name;
-    const char* why = kind.why_lost(difference.before);
+    const char* why = why_lost(kind.form, difference.before);
     const bool by_name = difference.change == Change::removed && difference.before.vt != QZVT_OBJECT;
     if (by_name) return difference.path() + ": a " + type + " of this name cannot be kept";
     if (why != nullptr) return difference.path() + ": " + why;
@@ -51,7 +53,13 @@ bool apply(IParam& root, const Edit& edit) {
     if (sections.empty()) fail("the root cannot be removed");
     const CXString name = sections.back();
     sections.pop_back();
-    find_section(root, sections)->DeleteSubParam(name.GetData());
+    const auto parent = find_section(root, sections);
+    // Over a storage the tree's own operation leaves the section there, empty.
+    if (const auto storage = CQZRef<IXStorage>::Query(parent.Get())) {
+        storage->DestroyStorage(name.GetData());
+    } else {
+        parent->DeleteSubParam(name.GetData());
+    }
     return true;
 }
 
@@ -73,7 +81,7 @@ const Kind* kind_with_extension(std::string_view extension) {
 
 const Kind* kind_of_contents(std::string_view bytes) {
     for (const Kind* kind : kKinds) {
-        if (!bytes.empty() && kind->recognises(bytes)) return kind;
+        if (!bytes.empty() && kind->recognises != nullptr && kind->recognises(bytes)) return kind;
     }
     return nullptr;
 }
@@ -100,6 +108,14 @@ Losses losses(const Kind& kind, IParam& tree, const SaveOptions& options) {
         if (lost.count++ < Losses::kMostTexts) lost.texts.push_back(entry_loss(kind, difference));
     });
     return lost;
+}
+
+void refuse_lost_value(const Address& address, const Edit& edit) {
+    if (edit.action != Edit::set_value) return;
+    const auto alone = new_tree();
+    apply(*alone, edit);
+    const Losses lost = losses(*address.kind, *alone, {});
+    if (lost.count != 0) fail(address.shown + ": not changed: " + lost.texts.front());
 }
 
 void edit_by_rewriting(const Address& address, IParam& loaded, const Edit& edit) {

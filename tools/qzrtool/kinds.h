@@ -3,6 +3,7 @@
 
 #include "address.h"
 #include "diagnostics.h"
+#include "limits.h"
 #include "tree.h"
 
 #include <span>
@@ -29,13 +30,18 @@ struct Edit {
 /// Makes the change in memory. @return false when there is nothing to remove
 bool apply(IParam& root, const Edit& edit);
 
+/// What an address of a kind names.
+enum class Place { file, file_or_standard, storage, registry };
+
 struct Kind {
     const char* name;
+    const char* argument; // for people: what follows the colon
+    Place place;
     const char* extensions; // with their dots, parted by blanks
     const char* description;
-    const char* cannot_hold;
+    Form form;
 
-    /// @return whether the contents of a file look like this kind
+    /// @return whether the contents of a file look like this kind; null for a kind that is always named
     bool (*recognises)(std::string_view bytes);
 
     /// Reads a whole tree. What the reader cannot use is told to the diagnostics; what makes the whole
@@ -47,9 +53,6 @@ struct Kind {
 
     /// @return the tree that a reader would find after save
     CQZRef<IParam> (*rehearse)(IParam& tree, const SaveOptions& options);
-
-    /// @return why this kind does not give back a value as it was, or null when the type alone is no reason
-    const char* (*why_lost)(const tagQZVARIANT& value);
 
     /// Changes one entry where it is kept and leaves everything else alone, or leaves what is there as it
     /// was. Fails when the kind cannot hold the value.
@@ -77,10 +80,17 @@ struct Losses {
 /// What would be different after saving the tree as this kind and reading it back.
 Losses losses(const Kind& kind, IParam& tree, const SaveOptions& options);
 
+/// Fails when the address's kind cannot hold the value that an edit sets.
+void refuse_lost_value(const Address& address, const Edit& edit);
+
 /// For kinds that are rewritten as a whole: makes the change, proves in memory that it reads back, and saves.
 void edit_by_rewriting(const Address& address, IParam& loaded, const Edit& edit);
 
 extern const Kind kTextKind;
 extern const Kind kStreamKind;
+extern const Kind kIniKind;
+extern const Kind kLiveKind;
+extern const Kind kStorageKind;
+extern const Kind kRegistryKind;
 
 } // namespace tool

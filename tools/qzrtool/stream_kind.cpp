@@ -1,8 +1,6 @@
 // Trees in the binary form of SaveParamToXStream, as files.
 #include "kinds.h"
 
-#include "encoding.h"
-#include "files.h"
 #include "stream_check.h"
 #include "streams.h"
 
@@ -19,7 +17,7 @@ std::string encode(IParam& tree) {
 }
 
 CQZRef<IParam> load(const Address& address, const LoadOptions& options, Diagnostics& diagnostics) {
-    const auto stream = stream_of(read_file(address.file, address.shown));
+    const auto stream = stream_of(read_source(address));
     auto tree = new_tree();
     if (const auto damage = find_damage(*stream, *tree)) {
         const std::string place = address.shown + ": at byte " + std::to_string(damage->offset);
@@ -33,9 +31,7 @@ CQZRef<IParam> load(const Address& address, const LoadOptions& options, Diagnost
     return tree;
 }
 
-void save(const Address& address, IParam& tree, const SaveOptions&) {
-    replace_file(address.file, encode(tree), address.shown);
-}
+void save(const Address& address, IParam& tree, const SaveOptions&) { replace_target(address, encode(tree)); }
 
 CQZRef<IParam> rehearse(IParam& tree, const SaveOptions&) {
     const auto stream = stream_of(encode(tree));
@@ -45,29 +41,19 @@ CQZRef<IParam> rehearse(IParam& tree, const SaveOptions&) {
     return reread;
 }
 
-const char* why_lost(const tagQZVARIANT& value) {
-    switch (value.vt) {
-    case QZVT_WTEXT:
-        return "of a wide text only the first half of the bytes is stored in streams";
-    case QZVT_OBJECT:
-        return "an object that cannot be stored is lost";
-    default:
-        return nullptr;
-    }
-}
-
 } // namespace
 
 const Kind kStreamKind = {
     "stream",
+    "FILE",
+    Place::file_or_standard,
     ".qzs .stream",
     "a file in the compact binary form",
-    "wide text of more than two characters (half of its bytes are stored), names with line feeds",
+    kStreamForm,
     recognises,
     load,
     save,
     rehearse,
-    why_lost,
     edit_by_rewriting,
 };
 

@@ -187,14 +187,6 @@ std::vector<std::string> candidates(const TextScan& scan, const Edit& edit) {
     return {};
 }
 
-void refuse_lost_value(const Address& address, const Edit& edit) {
-    if (edit.action != Edit::set_value) return;
-    const auto alone = new_tree();
-    alone->SetValue(edit.path.value.GetData(), &edit.value);
-    const Losses lost = losses(*address.kind, *alone, {});
-    if (lost.count != 0) fail(address.shown + ": not changed: " + lost.texts.front());
-}
-
 [[noreturn]] void fail_not_changed(const Address& address, const TextScan& scan, const Edit& edit) {
     const Entry* entry = edit.action == Edit::remove_section ? nullptr : scan.effective(edit.path);
     if (entry != nullptr && entry->file != 0) {

@@ -104,7 +104,8 @@ CQZRef<IParam> open_section(IParam& node, const CXString& name) {
 
 std::optional<CQZVariant> find_value(IParam& node, const CXString& name) {
     CQZVariant value;
-    if (node.GetValue(name.GetData(), &value) == 0) return std::nullopt;
+    // Stored empty texts and bytes are found with the answer 0.
+    if (node.GetValue(name.GetData(), &value) == 0 && value.vt == QZVT_EMPTY) return std::nullopt;
     return value;
 }
 

@@ -1,0 +1,32 @@
+// Temporary files that an interrupted commit left behind.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+struct Leftover {
+    enum State {
+        complete,   // holds a whole document
+        unfinished, // its program stopped while it still wrote
+        empty,      // nothing was written, or an empty document
+        in_use,     // a program has it open
+    };
+
+    std::filesystem::path path;
+    State state;
+    unsigned long long size; // of the document
+    std::filesystem::file_time_type written;
+};
+
+/// Those in a folder, or the one file that is named, the latest first. Fails when there is no such place.
+std::vector<Leftover> find_leftovers(const std::filesystem::path& place, const std::string& shown);
+
+/// Gives a leftover document the name of a target in one step. A file that has the name is kept.
+/// @return where the file that had the name is now; empty when there was none
+std::filesystem::path put_back(const Leftover& leftover, const std::filesystem::path& target,
+                               const std::string& shown);
+
+} // namespace tool
