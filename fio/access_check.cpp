@@ -4,8 +4,8 @@
 #include "core/win_handle.h"
 #include "fio/path_kind.h"
 #include "qzexception.h"
-#include "qzfile.h"
 #include "qzstring.h"
+#include "qzurl.h"
 
 namespace qzr {
 
@@ -84,6 +84,7 @@ int Fio_GetSecurityInfo(const wchar_t* path, CXStringW& owner) {
 }
 
 int Fio_IsWritableDir(const wchar_t* path) {
+    if (qzr::is_url_path(path)) return Fio_UrlIsWritableDir(path);
     constexpr SECURITY_INFORMATION kParts =
         OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
     auto descriptor = qzr::security_of(path, kParts);
@@ -95,6 +96,7 @@ int Fio_IsWritableDir(const wchar_t* path) {
 
 int Fio_IsWritableFile(const wchar_t* path) {
     if (qzr::is_memory_path(path)) return 1;
+    if (qzr::is_url_path(path)) return Fio_UrlIsWritableFile(path);
     try {
         Fio_ChangeNELock(path, true);
     } catch (const CXFileException&) {

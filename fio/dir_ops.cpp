@@ -1,8 +1,8 @@
 // Directories: making them with all that leads to them, removing them, the current one.
 #include "core/system_error.h"
 #include "fio/path_kind.h"
-#include "qzfile.h"
 #include "qzstring.h"
+#include "qzurl.h"
 
 #include <cwchar>
 
@@ -56,6 +56,10 @@ void create_with_parents(const wchar_t* path) {
 
 void Fio_CreateDirectory(const wchar_t* path) {
     if (path == nullptr || *path == L'\0' || qzr::is_memory_path(path)) return;
+    if (qzr::is_url_path(path)) {
+        Fio_UrlCreateDirectory(path);
+        return;
+    }
     if (Fio_IsFileExist(path) == 0) qzr::create_with_parents(path);
 }
 

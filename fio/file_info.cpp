@@ -3,7 +3,9 @@
 #include "core/system_error.h"
 #include "core/win_handle.h"
 #include "fio/error_mode.h"
+#include "fio/ftp_lookup.h"
 #include "fio/path_kind.h"
+#include "qzurl.h"
 
 namespace qzr {
 
@@ -33,6 +35,10 @@ void Fio_GetFileInfo(const wchar_t* path, FioFileInfo* info) {
         if (info != nullptr) info->size = static_cast<unsigned>(qzr::parse_memory_path(path).size);
         return;
     }
+    if (qzr::is_url_path(path)) {
+        Fio_UrlGetFileInfo(path, info);
+        return;
+    }
     WIN32_FIND_DATAW found;
     const DWORD error = qzr::find_first(path, found);
     if (error != ERROR_SUCCESS) qzr::throw_file_error(QZOP_FILE_INFO, path, error);
@@ -42,5 +48,6 @@ void Fio_GetFileInfo(const wchar_t* path, FioFileInfo* info) {
 int Fio_IsFileExist(const wchar_t* path) {
     if (qzr::is_memory_path(path)) return 1;
     WIN32_FIND_DATAW found;
+    if (qzr::is_url_path(path)) return qzr::remote_exists(path) ? 1 : 0;
     return qzr::find_first(path, found) == ERROR_SUCCESS ? 1 : 0;
 }

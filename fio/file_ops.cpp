@@ -1,7 +1,7 @@
 // Copying, deleting, renaming.
 #include "core/system_error.h"
 #include "fio/path_kind.h"
-#include "qzfile.h"
+#include "qzurl.h"
 
 // Where two paths are named, the one that is acted upon goes into the exception.
 
@@ -11,6 +11,10 @@ void Fio_CopyFile(const wchar_t* src, const wchar_t* dst, int failIfExists) {
 
 void Fio_DeleteFile(const wchar_t* path) {
     if (qzr::is_memory_path(path)) return;
+    if (qzr::is_url_path(path)) {
+        Fio_UrlDeleteFile(path); // callers delete what may be missing, without minding
+        return;
+    }
     if (DeleteFileW(path) == FALSE) qzr::throw_file_error(QZOP_DELETE, path);
 }
 

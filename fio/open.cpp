@@ -5,7 +5,7 @@
 #include "fio/memory_file.h"
 #include "fio/out_file.h"
 #include "fio/temp_name.h"
-#include "fio/url_file.h"
+#include "qzurl.h"
 
 #include <new>
 
@@ -32,12 +32,12 @@ int Fio_IsMemFile(const wchar_t* path) { return is_memory_path(path) ? 1 : 0; }
 IXFile* Fio_Open(const wchar_t* path, int mode) {
     if (path == nullptr) return open_new_temporary(mode);
     if (is_memory_path(path)) return new (std::nothrow) CXMemFile<IXFile>(path);
-    if (is_url_path(path)) return open_url_file(path, mode);
+    if (is_url_path(path)) return Fio_UrlOpen(path, mode);
     return new (std::nothrow) CXFile(path, mode);
 }
 
 IXOutFile* Fio_OpenOut(const wchar_t* path, int mode) {
     if (is_memory_path(path)) return new (std::nothrow) CXMemOutFile(path);
-    if (is_url_path(path)) return open_url_out_file(path, mode);
+    if (is_url_path(path)) return Fio_UrlOpenOut(path, mode);
     return open_out_file(path, mode);
 }

@@ -14,4 +14,5 @@
 #include "qzsupp.h"
 #include "qzsync.h"
 #include "qzunknown.h"
+#include "qzurl.h"
 #include "qzvariant.h"

@@ -141,7 +141,7 @@ enum QZStorageMode {
 /// @return the root storage with one reference. Throws CXFileException (QZOP_OPEN) with the path.
 QZR_API IXStorage* new_Storage(const wchar_t* path, int mode);
 
-/// Opens a compound file; nobody else can meanwhile.
+/// Opens a compound file; nobody else can meanwhile. A URL goes to open_UrlStorage (qzurl.h).
 /// @param mode 0 for reading and writing, transacted; anything else for reading only
 /// @return the root storage with one reference. Throws CXFileException; QZERR_NOT_FOUND when missing.
 ///

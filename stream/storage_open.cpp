@@ -1,4 +1,5 @@
 // Opening compound files, and wrapping storages that come from outside.
+#include "qzurl.h"
 #include "stream/ole_storage.h"
 #include "stream/stg_error.h"
 
@@ -27,7 +28,11 @@ int storage_mode_of(DWORD platform_mode) {
 
 } // namespace qzr
 
-IXStorage* open_Storage(const wchar_t* path, int mode) { return qzr::open_compound_file(path, mode); }
+// Memory paths look like URLs to the platform; they go to its storages as they stand.
+IXStorage* open_Storage(const wchar_t* path, int mode) {
+    const bool remote = Fio_IsMemFile(path) == 0 && Fio_PathIsURL(path) != 0;
+    return remote ? open_UrlStorage(path, L"", mode) : qzr::open_compound_file(path, mode);
+}
 
 IXStorage* new_StorageByOleStorage(void* platformStorage) {
     using namespace qzr;

@@ -1,0 +1,19 @@
+// Whole files to and from FTP servers.
+#pragma once
+
+#include "core/windows_lean.h"
+
+namespace qzr {
+
+// Each returns 0, or the error of the system.
+
+// Replaces the local file when everything has arrived; on failure it is as it was.
+DWORD download(const wchar_t* url, const wchar_t* local_path);
+
+// Replaces the remote file. A part of it that arrived before a failure is deleted.
+DWORD upload(const wchar_t* url, const wchar_t* local_path);
+
+// Deletes a remote file without looking whether it is there.
+DWORD delete_remote(const wchar_t* url);
+
+} // namespace qzr
