@@ -46,6 +46,11 @@ class ProgramTest(unittest.TestCase):
     def path(self, name):
         return os.path.join(self.folder, name)
 
+    def windows_path(self, name):
+        """The full path as the programs take it; under Wine the drive Z: is this system."""
+        path = self.path(name)
+        return "Z:" + path.replace("/", "\\") if path.startswith("/") else path
+
     def write(self, name, contents):
         if isinstance(contents, str):
             contents = contents.encode("cp1252")
