@@ -7,6 +7,7 @@
 #include "qzstring.h"
 #include "qzsupp.h"
 #include "supp/dictionary_reader.h"
+#include "supp/hook_install.h"
 #include "supp/translation_context.h"
 
 #include <cstdlib>
@@ -71,6 +72,7 @@ int Supp_Init(const wchar_t* path) {
     qzr::TranslationContext& context = qzr::translation();
     if (context.loaded || !qzr::load(path)) return 0;
     context.loaded = true;
+    qzr::install_default_hooks();
     return 1;
 }
 
