@@ -56,6 +56,18 @@ class Examples(ProgramTest):
         result = self.tool("convert", "a.qzs", "a.qzt", code=NO)
         self.assertIn("\\Shapes\\Star: objects have no text form", result.err)
 
+    def test_translated_shows_both_languages(self):
+        dictionary = os.path.join(TREE, "examples", "translated", "german.wld")
+        with open(dictionary, encoding="cp1252", newline="\r\n") as file:
+            texts = [line.strip()[1:-1].replace("\\t", " ") for line in file if line.startswith('"')]
+        pairs = dict(zip(texts[::2], texts[1::2]))
+        own, translated = self.example("translated", "--text", dictionary).split("\n--- with ")
+        own, translated = own.splitlines(), translated.splitlines()[2:]
+        self.assertEqual(own[1], "  Sketchbook")
+        self.assertEqual(translated, [re.sub(r"\S.*", lambda text: pairs.get(text[0], text[0]), line) for line in own])
+        unused = set(pairs) - {line.strip() for line in own} - {"QZ_WLD_LANG_ID"}
+        self.assertEqual(unused, set())
+
     def test_samples_have_every_text_type(self):
         text = sample("settings.qzt").decode("ascii") + sample("shortcuts.qzt").decode("ascii")
         letters = set(re.findall(r"^\t[^=\n]+=([A-Za-z])", text, re.MULTILINE))
