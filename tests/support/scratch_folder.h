@@ -34,9 +34,12 @@ public:
         std::ofstream(folder_ / name, std::ios::binary) << contents;
         return path(name);
     }
-    std::string contents(std::wstring_view name) const {
-        std::ifstream in(folder_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
+    std::string contents(std::wstring_view name) const { return contents_of(folder_ / name); }
+    static std::string contents_of(const std::filesystem::path& path) { // empty when there is none
+        std::ifstream in(path, std::ios::binary | std::ios::ate);
+        std::string bytes(in ? static_cast<std::size_t>(in.tellg()) : 0, '\0');
+        in.seekg(0).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return bytes;
     }
     bool has(std::wstring_view name) const { return std::filesystem::exists(folder_ / name); }
 
