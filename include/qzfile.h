@@ -8,18 +8,31 @@
 
 class CXStringW;
 
-/// A file for reading, or for reading and writing in place. Positions and sizes are 32-bit: a file holds at
-/// most 4 GiB - 1 bytes. Failures are thrown as CXFileException with the file's path.
+/// A file for reading, or for reading and writing in place. Positions and sizes are 32-bit numbers of bytes:
+/// a file holds at most 4 GiB - 1. Failures are thrown as CXFileException with the file's path; on a local
+/// file their operation is QZOP_READ, or QZOP_WRITE when it was opened with write.
 class IXFile : public IQZUnknown {
 public:
-    virtual unsigned Read(void* buffer, unsigned count) = 0; ///< @return the bytes read, 0 at the end
+    /// @return the bytes read, less than count at the end, 0 when the position is there or further on
+    virtual unsigned Read(void* buffer, unsigned count) = 0;
+
+    /// Writes all count bytes at the position, or throws: QZERR_ACCESS when not opened with write,
+    /// QZERR_DISK_FULL when the disk is full or the file would pass 4 GiB less 128 KiB (nothing is written
+    /// then). A gap behind the old end reads as zeroes. A block of memory ignores it.
     virtual void Write(const void* buffer, unsigned count) = 0;
+
+    /// Offsets, and positions that a seek leads to, count as signed numbers: what would be negative, or lie
+    /// at 2 GiB or further on, is 0. Transfers go on beyond 2 GiB. Throws QZERR_SEEK for another origin, and
+    /// behind the end unless opened with write.
     /// @param origin 0 from the start, 1 from the position, 2 from the end. @return the new position
     virtual unsigned Seek(unsigned offset, unsigned origin) = 0;
-    virtual unsigned GetPosition() = 0;
-    virtual int Flush() = 0; ///< @return non-zero on success
 
-    // Typed reads throw (QZERR_EOF) when fewer bytes are left than the value has.
+    /// Seek(0, 1): from 2 GiB on the answer is 0, and the position with it.
+    virtual unsigned GetPosition() = 0;
+
+    virtual int Flush() = 0; ///< hands mapped data to the system. @return non-zero on success
+
+    // Typed reads throw (QZERR_EOF, QZOP_READ) when fewer bytes are left than the value has.
     virtual unsigned char ReadByte() = 0;
     virtual unsigned short ReadWord() = 0;
     virtual unsigned ReadDWord() = 0;
@@ -28,21 +41,29 @@ public:
     virtual void WriteWord(unsigned short value) = 0;
     virtual void WriteDWord(unsigned value) = 0;
     virtual void WriteDouble(double value) = 0;
-    virtual void WriteStringW(const wchar_t* text) = 0; ///< the text and its terminator
+    virtual void WriteStringW(const wchar_t* text) = 0; ///< the text and its terminator; null is empty
     virtual void WriteString(const char* text) = 0;     ///< the same for narrow text
 
-    /// Reads a line of at most max characters; give room for max + 2. @return the characters read, the line
-    /// feed not counted; 0 for an empty line and at the end of the file, which is no failure
+    /// Reads up to and with a line feed, at most max characters. Behind the line the buffer holds the line
+    /// feed, if there was room for it, and a zero; at the end of the file one character that was there before
+    /// stands between: cut the line at the result. Give room for max + 2. A zero in the file is a character.
+    /// @return the characters read, the line feed not counted; 0 for an empty line and at the end of the
+    /// file,
+    ///         which is no failure: compare positions
     virtual int ReadLineW(wchar_t* buffer, int max) = 0;
     virtual int ReadLine(char* buffer, int max) = 0; ///< the same for narrow text
 
-    virtual unsigned GetSize() = 0;
+    virtual unsigned GetSize() = 0;       ///< found by seeking to the end and back: 0 from 2 GiB on, see Seek
     virtual const wchar_t* GetName() = 0; ///< the path; it belongs to the file
+
+    /// The last Release closes the file, and may throw what closing fails with (QZERR_MEMORY when a view or a
+    /// mapping cannot be closed). Nothing is open then any more, and one more Release ends the object.
     virtual ~IXFile() = default;
 };
 
 /// A file that is written safely: into a temporary file that takes the target's place on Commit alone.
-/// The operations up to GetName are those of IXFile, in the same order.
+/// The operations up to GetName are those of IXFile, in the same order; failures name the temporary file. Its
+/// Release throws nothing.
 class IXOutFile : public IQZUnknown {
 public:
     virtual unsigned Read(void* buffer, unsigned count) = 0;
@@ -64,7 +85,13 @@ public:
     virtual int ReadLine(char* buffer, int max) = 0;
     virtual unsigned GetSize() = 0;
     virtual const wchar_t* GetName() = 0; ///< the target's path
-    virtual void Commit() = 0;            ///< puts the contents in the target's place; once
+
+    /// Puts the contents in the target's place: brings them to the disk, deletes the target, renames the
+    /// temporary file. Once: further calls do nothing, other operations throw. Throws CXFileException; what
+    /// was written is lost then, and the target as it was, unless it was deleted already and the temporary
+    /// file could not be renamed: then the temporary file stays, complete, and the failure (QZOP_RENAME)
+    /// names the target. docs/commit.md tells what a stopped program leaves behind.
+    virtual void Commit() = 0;
     virtual ~IXOutFile() = default;
 };
 
@@ -83,18 +110,25 @@ enum QZFileMode {
 ///         block of this process's memory below 2 GiB, which its owner keeps alive; else 0, also for null
 QZR_API int Fio_IsMemFile(const wchar_t* path);
 
-/// Opens a file through memory-mapped views. With write no one else can open it meanwhile.
+/// Opens a file: a local one through memory-mapped views, a block of memory by its name. (Remote files are
+/// refused so far: QZERR_NETWORK.)
 ///
-/// A mapped view faults when its medium vanishes (a network drive, a file cut short by others): that is a
-/// structured exception of the system, not an exception of this library.
-/// @param path null makes a unique temporary file
+/// Opened for reading a file is shared with other readers and writers; with write no one else can open it
+/// meanwhile. A mapped view faults when its medium vanishes (a network drive, a file cut short by others):
+/// that is a structured exception of the system, not an exception of this library.
+/// @param path less than 512 characters; null makes a unique temporary file ("QZPxxxx.tmp") in the system's
+///             directory for such files, which stays unless QZFILE_TEMPORARY is given
 /// @param mode bits of QZFileMode
 /// @return the file with one reference; null when there is no memory for it. Throws CXFileException with
-///         operation QZOP_READ, or QZOP_WRITE when opened with write.
+///         operation QZOP_READ, or QZOP_WRITE when opened with write; QZERR_DISK_FULL for a file of 4 GiB or
+///         more; QZERR_SEEK (5) for a path under an exclusive lock.
 QZR_API IXFile* Fio_Open(const wchar_t* path, int mode);
 
 /// Opens a file for safe output: everything goes to a temporary file in the target's directory, which takes
-/// the target's place on Commit. Released without Commit the target stays as it was.
+/// the target's place on Commit. Released without Commit the target stays as it was. Meanwhile an existing
+/// target has a shared lock (Fio_LockFile). A block of memory ignores what is written.
+/// @param mode QZFILE_KEEP starts at the end of a copy of the target, QZFILE_RANDOM as above; write is always
+///             meant
 /// @return the file with one reference. Throws CXException QZERR_ACCESS when the target is not writable,
 ///         other codes when the directory takes no temporary file; CXFileException.
 QZR_API IXOutFile* Fio_OpenOut(const wchar_t* path, int mode);
