@@ -34,8 +34,7 @@ public:
     // From now on the file ends in an UnfinishedMark, as soon as it has any bytes. Throws.
     void mark_unfinished();
 
-    // Brings everything to the disk, and the mark with it that the first `length` bytes are the document.
-    // Throws.
+    // Brings the first `length` bytes to the disk as the whole document, with no view open. Throws.
     void settle(std::uint64_t length);
 
     // Ends a written file at `length` and closes it, whatever fails. @return 0, or the error of the system
@@ -44,6 +43,8 @@ public:
     void close_uncut() noexcept { handle_.reset(); }
 
 private:
+    DWORD cut(std::uint64_t length) noexcept;
+    DWORD go_to(std::uint64_t offset) noexcept;
     DWORD put(std::uint64_t offset, const void* data, std::uint64_t count) noexcept;
     DWORD put_zeroes(std::uint64_t from, std::uint64_t to) noexcept;
     DWORD put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept;
@@ -57,6 +58,7 @@ private:
     std::uint64_t size_ = 0;
     std::uint64_t disk_end_ = 0; // the size for the system: room that was half made, and the mark
     std::uint64_t mark_end_ = 0; // 0 while there is no mark
+    std::uint64_t pointer_ = 0;  // where the system writes next
     bool marked_ = false;
 };
 

@@ -102,8 +102,8 @@ void CXFile::map_all() {
 }
 
 void CXFile::settle() {
-    if (window_.size() != 0 && FlushViewOfFile(window_.data(), 0) == FALSE)
-        throw_file_error(operation_, path_.get());
+    // What was stored through a view belongs to the file's buffers once the view is gone.
+    if (!window_.unmap()) throw CXFileException(QZERR_MEMORY, operation_, path_.get());
     disk_.settle(size_);
 }
 

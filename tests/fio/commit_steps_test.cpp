@@ -16,8 +16,11 @@ namespace {
 constexpr DWORD kStopped = 77;
 constexpr char kOld[] = "the old document";
 
-// More than a page, less than a page and a large piece: every way of writing takes part.
-std::string added() { return std::string(5000, 'n') + "small" + std::string(9000, 'w'); }
+// More than a page, less than a page and another large piece: every way of writing takes part. A document of
+// more than 64 KiB ends its temporary life in another way than a smaller one.
+std::string added(int mode) {
+    return std::string(5000, 'n') + "small" + std::string((mode & QZFILE_KEEP) != 0 ? 9000 : 70000, 'w');
+}
 
 // Between two of these calls a disk does not change.
 bool changes_something(std::string_view function) {
@@ -41,16 +44,16 @@ TEST(CommitSteps, DISABLED_Child) {
         return 0;
     });
     const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), mode));
-    const std::string bytes = added();
+    const std::string bytes = added(mode);
     file->Write(bytes.data(), 5000);
     file->Write(bytes.data() + 5000, 5);
-    file->Write(bytes.data() + 5005, 9000);
+    file->Write(bytes.data() + 5005, static_cast<unsigned>(bytes.size() - 5005));
     file->Commit();
 }
 
 // Runs the child once for each of its calls. @return the states that were found, told in short
 std::set<std::string> stop_at_each_step(int mode, bool exists) {
-    const std::string fresh = (mode & QZFILE_KEEP) != 0 && exists ? kOld + added() : added();
+    const std::string fresh = (mode & QZFILE_KEEP) != 0 && exists ? kOld + added(mode) : added(mode);
     std::set<std::string> states;
     for (int step = 1;; ++step) {
         const ScratchFolder folder;
