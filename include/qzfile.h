@@ -110,8 +110,8 @@ enum QZFileMode {
 ///         block of this process's memory below 2 GiB, which its owner keeps alive; else 0, also for null
 QZR_API int Fio_IsMemFile(const wchar_t* path);
 
-/// Opens a file: a local one through memory-mapped views, a block of memory by its name. (Remote files are
-/// refused so far: QZERR_NETWORK.)
+/// Opens a file: a local one through memory-mapped views, a block of memory by its name, a remote one by its
+/// URL (Fio_UrlOpen).
 ///
 /// Opened for reading a file is shared with other readers and writers; with write no one else can open it
 /// meanwhile. A mapped view faults when its medium vanishes (a network drive, a file cut short by others):
@@ -126,7 +126,8 @@ QZR_API IXFile* Fio_Open(const wchar_t* path, int mode);
 
 /// Opens a file for safe output: everything goes to a temporary file in the target's directory, which takes
 /// the target's place on Commit. Released without Commit the target stays as it was. Meanwhile an existing
-/// target has a shared lock (Fio_LockFile). A block of memory ignores what is written.
+/// target has a shared lock (Fio_LockFile). A block of memory ignores what is written; a URL goes to
+/// Fio_UrlOpenOut.
 /// @param mode QZFILE_KEEP starts at the end of a copy of the target, QZFILE_RANDOM as above; write is always
 ///             meant
 /// @return the file with one reference. Throws CXException QZERR_ACCESS when the target is not writable,
