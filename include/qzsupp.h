@@ -82,11 +82,13 @@ QZR_API void Supp_SetDialogPos(HWND dialog, HWND parent, unsigned id); ///< does
 
 /// Hooks one module more: its calls that load strings, menus and dialogs and that show message boxes are
 /// translated from then on.
-/// @return 1, also when the module calls none of them; 0 for null
+/// @return 1, also when the module calls none of them or its image is damaged; 0 for null. Throws
+///         CXMemException.
 QZR_API int Supp_InitResTranslation(HINSTANCE module);
 QZR_API int _InitResTranslation(HINSTANCE module); ///< the same
 
-/// Takes the hooks out of one module.
+/// Takes the hooks out of one module, those of HookProc_Install too. What somebody else has redirected since
+/// stays with him. At unload the library does this for every module.
 /// @return 1; 0 for null
 QZR_API int _DeInitResTranslation(HINSTANCE module);
 
@@ -94,8 +96,9 @@ QZR_API int _DeInitResTranslation(HINSTANCE module);
 /// @param module   whose import table is changed
 /// @param exporter the name of the loaded module that has the function
 /// @return the function's own address, for the replacement to call. Null when the exporter is not loaded or
-///         lacks the function, or when the module's image is damaged. Of a null module the address of a
-///         function that does nothing.
+///         lacks the function, when the module's image is damaged, or when a slot of its table cannot be
+///         written; slots before that one are redirected then. Of a null module the address of a function
+///         that does nothing. Throws CXMemException.
 QZR_API void* HookProc_Install(HINSTANCE module, const char* exporter, const char* function,
                                void* replacement);
 

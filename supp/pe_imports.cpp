@@ -29,9 +29,9 @@ public:
     // A place for 8 bytes that is aligned as every linker aligns it; null when it is not, or not in the
     // image.
     void** slot(std::uint64_t offset) noexcept {
+        if (!holds(offset, sizeof(void*))) return nullptr;
         const std::byte* const place = base_ + offset;
-        if (!holds(offset, sizeof(void*)) || reinterpret_cast<std::uintptr_t>(place) % sizeof(void*) != 0)
-            return nullptr;
+        if (reinterpret_cast<std::uintptr_t>(place) % sizeof(void*) != 0) return nullptr;
         return reinterpret_cast<void**>(const_cast<std::byte*>(place));
     }
 

@@ -1,12 +1,15 @@
 // A program that does not need the library to start: it loads and unloads modules again and again and looks
 // for what stays behind.
 //
-//   unload MODULE [moved | plugin | late]
+//   unload MODULE [moved | plugin | late | hooks]
 //
 // moved   the module must lie elsewhere than its file prefers
 // plugin  the module is a plug-in, which brings the library along
 // late    the module is called when the process ends, after the library; what it says is the program's output
+// hooks   the module patches the imports of others, which must be whole again when it is gone
 #include "qzobject.h"
+
+#include "support/image_imports.h"
 
 #include <windows.h>
 
@@ -151,13 +154,45 @@ void call_late(const char* path) {
     std::fflush(stdout);
 }
 
+constexpr char kHooked[] = "mfc140u.dll";
+
+void hook(HMODULE library, HMODULE module) {
+    const test::ImportSlots before = test::import_slots(module);
+    require(export_of<int(HMODULE)>(library, "_Z19_InitResTranslationP11HINSTANCE__")(module) == 1, "hooks");
+    require(test::import_slots(module) != before, "imports are patched");
+}
+
+void use_hooks(HMODULE library) { hook(library, GetModuleHandleA(kHooked)); }
+
+// The hooked module goes before the library does.
+void use_hooks_of_a_visitor(HMODULE library) {
+    const HMODULE visitor = LoadLibraryA(kHooked);
+    require(visitor != nullptr, "the visitor loads");
+    hook(library, visitor);
+    FreeLibrary(visitor);
+}
+
+void unload_with_hooks(const char* path) {
+    const HMODULE hooked = LoadLibraryA(kHooked);
+    require(hooked != nullptr, "the module to hook loads");
+    const test::ImportSlots before = test::import_slots(hooked);
+    repeat(path, use_hooks);
+    require(test::import_slots(hooked) == before, "the imports are those of before");
+    FreeLibrary(hooked);
+    repeat(path, use_hooks_of_a_visitor);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    require(argc >= 2, "usage: unload MODULE [moved | plugin | late]");
+    require(argc >= 2, "usage: unload MODULE [moved | plugin | late | hooks]");
     const std::string mode = argc > 2 ? argv[2] : "";
     if (mode == "late") {
         call_late(argv[1]);
+        return 0;
+    }
+    if (mode == "hooks") {
+        unload_with_hooks(argv[1]);
         return 0;
     }
     if (mode == "moved") require_moved(argv[1]);
