@@ -63,18 +63,21 @@ void DiskFile::write(std::uint64_t offset, const void* data, unsigned count) {
     const DWORD error = put(offset, data, count);
     if (error != ERROR_SUCCESS) {
         // What arrived behind the end must not show up when a later write leaves a gap there.
-        if (disk_end_ > size_) put_zeroes(size_, std::min(end, disk_end_));
+        std::uint64_t from = size_;
+        put_zeroes(from, offset);
         check(error);
     }
     size_ = std::max(size_, end);
 }
 
+// On a disk that fills up the room is what it still takes: as much as fits, or as lies before the mark.
 void DiskFile::make_room(std::uint64_t from, std::uint64_t end) {
     const std::uint64_t step = std::clamp(size_, kLeastStep, kMostRoomStep);
     const std::uint64_t ahead = round_up(std::max(end, size_ + step), kLeastStep);
-    const std::uint64_t start = std::max(from, size_);
-    if (fill_up_to(start, ahead) == ERROR_SUCCESS) return;
-    check(fill_up_to(start, end)); // what is left of the disk may do for now
+    DWORD error = fill_up_to(from, ahead);
+    if (error != ERROR_SUCCESS && size_ < end && mark_end_ != 0)
+        error = fill_up_to(from, std::clamp(mark_end_ - sizeof(UnfinishedMark), end, ahead));
+    if (size_ < end) check(error);
 }
 
 void DiskFile::mark_unfinished() {
@@ -119,8 +122,9 @@ DWORD DiskFile::go_to(std::uint64_t offset) noexcept {
     return ERROR_SUCCESS;
 }
 
-// The system may write less than asked for on a disk that fills up; the next call tells why.
-DWORD DiskFile::put(std::uint64_t offset, const void* data, std::uint64_t count) noexcept {
+// Moves offset on by what was written. The system may write less than asked for on a disk that fills up; the
+// next call tells why.
+DWORD DiskFile::put(std::uint64_t& offset, const void* data, std::uint64_t count) noexcept {
     const auto* from = static_cast<const unsigned char*>(data);
     if (const DWORD error = go_to(offset); error != ERROR_SUCCESS) return error;
     while (count != 0) {
@@ -130,17 +134,16 @@ DWORD DiskFile::put(std::uint64_t offset, const void* data, std::uint64_t count)
         if (moved == 0) return ERROR_DISK_FULL;
         from += moved;
         count -= moved;
-        pointer_ += moved;
-        disk_end_ = std::max(disk_end_, pointer_);
+        pointer_ = offset += moved;
+        disk_end_ = std::max(disk_end_, offset);
     }
     return ERROR_SUCCESS;
 }
 
-DWORD DiskFile::put_zeroes(std::uint64_t from, std::uint64_t to) noexcept {
+DWORD DiskFile::put_zeroes(std::uint64_t& from, std::uint64_t to) noexcept {
     while (from < to) {
         const std::uint64_t count = std::min<std::uint64_t>(to - from, sizeof zeroes);
         if (const DWORD error = put(from, zeroes, count); error != ERROR_SUCCESS) return error;
-        from += count;
     }
     return ERROR_SUCCESS;
 }
@@ -148,7 +151,8 @@ DWORD DiskFile::put_zeroes(std::uint64_t from, std::uint64_t to) noexcept {
 DWORD DiskFile::put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept {
     UnfinishedMark mark = {{}, end, whole_size};
     std::memcpy(mark.name, UnfinishedMark::kName, sizeof mark.name);
-    return put(end - sizeof mark, &mark, sizeof mark);
+    std::uint64_t place = end - sizeof mark;
+    return put(place, &mark, sizeof mark);
 }
 
 // The new mark stands before the old one goes, so at no time does the file end without.
@@ -159,16 +163,19 @@ DWORD DiskFile::move_mark_behind(std::uint64_t end) noexcept {
     std::uint64_t next = std::max(needed, mark_end_ + step);
     DWORD error = put_mark(next, UnfinishedMark::kNotWhole);
     if (error != ERROR_SUCCESS && next != needed) error = put_mark(next = needed, UnfinishedMark::kNotWhole);
-    if (error == ERROR_SUCCESS && mark_end_ != 0)
-        error = put_zeroes(mark_end_ - sizeof(UnfinishedMark), mark_end_);
+    std::uint64_t old_mark = mark_end_ - sizeof(UnfinishedMark);
+    if (error == ERROR_SUCCESS && mark_end_ != 0) error = put_zeroes(old_mark, mark_end_);
     if (error == ERROR_SUCCESS) mark_end_ = next;
     return error;
 }
 
 DWORD DiskFile::fill_up_to(std::uint64_t from, std::uint64_t end) noexcept {
     DWORD error = move_mark_behind(end);
-    if (error == ERROR_SUCCESS) error = put_zeroes(from, end);
-    if (error == ERROR_SUCCESS) size_ = std::max(size_, end);
+    if (error != ERROR_SUCCESS) return error;
+    const std::uint64_t start = std::max(from, size_);
+    std::uint64_t reached = start;
+    error = put_zeroes(reached, end);
+    if (reached > start) size_ = reached;
     return error;
 }
 

@@ -45,8 +45,8 @@ public:
 private:
     DWORD cut(std::uint64_t length) noexcept;
     DWORD go_to(std::uint64_t offset) noexcept;
-    DWORD put(std::uint64_t offset, const void* data, std::uint64_t count) noexcept;
-    DWORD put_zeroes(std::uint64_t from, std::uint64_t to) noexcept;
+    DWORD put(std::uint64_t& offset, const void* data, std::uint64_t count) noexcept;
+    DWORD put_zeroes(std::uint64_t& from, std::uint64_t to) noexcept;
     DWORD put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept;
     DWORD move_mark_behind(std::uint64_t end) noexcept;
     DWORD fill_up_to(std::uint64_t from, std::uint64_t end) noexcept;

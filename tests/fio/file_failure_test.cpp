@@ -145,6 +145,40 @@ TEST(FileFailure, WhatStillFitsIsWrittenAndNothingElseIsKept) {
     }
 }
 
+// The last bytes of a disk are taken in few steps, not one by one.
+TEST(FileFailure, ADiskThatFillsUpIsFilledByByteSizedPieces) {
+    const ScratchFolder folder;
+    for (const bool output : {false, true}) {
+        SCOPED_TRACE(output);
+        int written = 0;
+        int mapped = 0;
+        const FileCalls nearly_full([&](const char* function) -> DWORD {
+            mapped += std::string_view(function) == "CreateFileMappingW";
+            written += std::string_view(function) == "WriteFile";
+            return std::string_view(function) == "WriteFile" && written > 30 ? ERROR_DISK_FULL : 0;
+        });
+        unsigned size = 0;
+        const auto fill = [&size](auto* file) {
+            const std::string thrown = failure_of([&] {
+                for (; size < 100'000'000; ++size)
+                    file->WriteByte('x');
+            });
+            EXPECT_EQ(file->GetSize(), size);
+            file->Release();
+            return thrown.substr(0, 19);
+        };
+        const std::wstring path = folder.path(L"document");
+        EXPECT_EQ(output ? fill(Fio_OpenOut(path.c_str(), QZFILE_WRITE))
+                         : fill(Fio_Open(path.c_str(), QZFILE_WRITE)),
+                  "code 3, operation 2");
+        EXPECT_GT(size, 1'000'000u);
+        EXPECT_LT(written, 60);
+        EXPECT_LT(mapped, 20);
+        EXPECT_TRUE(output || file_bytes(path) == std::string(size, 'x'));
+    }
+    EXPECT_EQ(folder.count(), 1u);
+}
+
 // Each call of a whole replacement is refused once.
 void refuse_each_call(int mode, bool exists, bool commit) {
     const std::string old = "the old document";
