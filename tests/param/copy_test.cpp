@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "param/foreign_param.h"
-#include "qzexception.h"
+#include "qzvariant.h"
 #include "support/param_outline.h"
 
 namespace {
@@ -96,53 +96,6 @@ TEST(ParamCopyTo, CopiesBetweenBackends) {
     Param_CopyTo(foreign.root().Get(), back.Get());
     EXPECT_EQ(outline_of(*back), outline_of(*memory_tree(steps)));
     EXPECT_EQ(foreign.held, 0);
-}
-
-TEST(ParamCopyTo, LeavesOutWhatTheTargetRefusesToCreate) {
-    ForeignTree target;
-    target.creates = false;
-    Param_CopyTo(memory_tree({{"set", "v"}, {"create", "a"}, {"set", "a\\w"}}).Get(), target.root().Get());
-    EXPECT_EQ(outline_of(*target.root()), "v=1");
-    EXPECT_EQ(target.held, 0);
-}
-
-TEST(ParamCopyTo, ReleasesEverythingWhereverItFails) {
-    const std::vector<Step> steps = {{"set", "v"}, {"create", "a\\b"}, {"create", "c"}, {"set", "c\\w"}};
-    for (const bool source_fails : {true, false}) {
-        int failures = 0;
-        for (bool done = false; !done; ++failures) {
-            ForeignTree src(steps), dst(std::vector<Step>{{"create", "a"}});
-            (source_fails ? src : dst).calls_left = failures + 1;
-            try {
-                Param_CopyTo(src.root().Get(), dst.root().Get());
-                done = true;
-                EXPECT_EQ(Param_Cmp(src.root().Get(), dst.root().Get()), 1);
-            } catch (const CXException& e) {
-                EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
-            }
-            EXPECT_EQ(src.held, 0) << failures;
-            EXPECT_EQ(dst.held, 0) << failures;
-        }
-        EXPECT_GT(failures, 5);
-    }
-}
-
-TEST(ParamCopyTo, NeedsEnumerators) {
-    ForeignTree tree(std::vector<Step>{{"set", "v"}});
-    const CQZRef<IParam> target = memory_tree();
-    for (const bool children : {true, false}) {
-        tree.enumerates_children = !children;
-        tree.enumerates_values = children;
-        try {
-            Param_CopyTo(tree.root().Get(), target.Get());
-            FAIL() << "no exception";
-        } catch (const CXIFaceException& e) {
-            EXPECT_TRUE(*e.m_pIid == typeid(CTEnum<const char*>));
-        }
-        EXPECT_EQ(tree.held, 0);
-    }
-    EXPECT_EQ(target->AddRef(), 2u);
-    target->Release();
 }
 
 } // namespace

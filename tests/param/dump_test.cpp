@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "param/foreign_param.h"
-#include "qzexception.h"
 #include "support/param_outline.h"
 
 #include <windows.h>
@@ -57,34 +55,6 @@ TEST(DumpParam, WritesNamesOfValuesThenChildrenWithTheirs) {
         EXPECT_EQ(dump_of(tree.Get()), row.expected);
     }
     EXPECT_EQ(dump_of(nullptr), "");
-}
-
-TEST(DumpParam, ReleasesEverythingWhereverItFails) {
-    ForeignTree tree({{"set", "v"}, {"create", "a\\b"}, {"create", "c"}});
-    int failures = 0;
-    for (bool done = false; !done; ++failures) {
-        tree.calls_left = failures + 1;
-        const DebuggerOutput output;
-        try {
-            Dump_Param(tree.root().Get());
-            done = true;
-            EXPECT_EQ(output.text(), " v \n--- a ---\n--- b ---\n--- c ---\n");
-        } catch (const CXException& e) {
-            EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
-        }
-        EXPECT_EQ(tree.held, 0) << failures;
-    }
-    EXPECT_GT(failures, 10);
-}
-
-TEST(DumpParam, NeedsEnumerators) {
-    ForeignTree tree(std::vector<Step>{{"set", "v"}});
-    for (const bool children : {true, false}) {
-        tree.enumerates_children = !children;
-        tree.enumerates_values = children;
-        EXPECT_THROW(Dump_Param(tree.root().Get()), CXIFaceException);
-        EXPECT_EQ(tree.held, 0);
-    }
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // The binary form of trees, byte by byte, both ways.
 #include "forms.h"
 
-#include "param/foreign_param.h"
 #include "support/param_outline.h"
 
 #include "qzexception.h"
@@ -212,51 +211,6 @@ TEST(StreamForm, KeepsInStepOverNamesThatDoNotOpen) {
     const Tree unnamed = Tree::Adopt(tree->CreateSubParam(""));
     set_int(*unnamed, "lost", 1); // the form has no room for an empty name
     EXPECT_EQ(text_of(*tree_of_bytes(bytes_of(*tree))), "[\\]|a=stext|aeaea=e|b=i3|[\\c]|");
-}
-
-TEST(StreamForm, NeedsEnumerators) {
-    for (bool ForeignTree::*enumerates :
-         {&ForeignTree::enumerates_values, &ForeignTree::enumerates_children}) {
-        ForeignTree tree;
-        tree.*enumerates = false;
-        EXPECT_THROW(SaveParamToXStream(stream_of({}).Get(), tree.root().Get()), CXIFaceException);
-    }
-}
-
-// Calls the action with a tree that fails at its first call, at its second, and so on until it succeeds.
-template <class Action>
-void expect_released_at_each_failure(ForeignTree& tree, Action action) {
-    int result = 0;
-    int calls = 0;
-    while (result == 0) {
-        tree.calls_left = ++calls;
-        try {
-            result = action();
-        } catch (const CXException& e) {
-            EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
-        }
-        EXPECT_EQ(tree.held, 0) << "after call " << calls;
-    }
-    EXPECT_GT(calls, 5);
-    tree.calls_left = -1;
-}
-
-TEST(StreamForm, ReleasesWhatItHoldsWhenATreeThrows) {
-    ForeignTree source(
-        {{"set", "v"}, {"create", "a"}, {"set", "a\\v"}, {"create", "a\\b"}, {"set", "a\\b\\v"}});
-    const std::string bytes = bytes_of(*source.root());
-    expect_released_at_each_failure(
-        source, [&] { return SaveParamToXStream(stream_of({}).Get(), source.root().Get()); });
-    ForeignTree target;
-    expect_released_at_each_failure(
-        target, [&] { return LoadParamFromXStream(stream_of(bytes).Get(), target.root().Get()); });
-    EXPECT_EQ(bytes_of(*target.root()), bytes);
-}
-
-TEST(StreamForm, AChildThatTheTreeRefusesEndsTheLoading) {
-    ForeignTree tree;
-    tree.creates = false;
-    EXPECT_THROW(LoadParamFromXStream(stream_of("s\0\0\0\0\0"s).Get(), tree.root().Get()), CXMemException);
 }
 
 } // namespace

@@ -1,10 +1,7 @@
 // The text form as it is written, and the one-line form that Param_Param2String makes of it.
 #include "forms.h"
 
-#include "param/foreign_param.h"
 #include "support/param_outline.h"
-
-#include "qzexception.h"
 
 #include <gtest/gtest.h>
 
@@ -19,33 +16,25 @@ void set_text(IParam& tree, const char* name, const char* value) {
     tree.SetValue(name, &text);
 }
 
-Tree child_of(IParam& tree, const char* name) { return Tree::Adopt(tree.CreateSubParam(name)); }
-
-TEST(TextForm, OfAnEmptyTreeIsTheRootSection) { EXPECT_EQ(text_of(*memory_tree()), "[\\]|"); }
-
-TEST(TextForm, PutsASectionsValuesBehindItAndChildrenAfterThem) {
-    const Tree root = memory_tree();
-    const Tree s = child_of(*root, "s");
-    set_int(*root, "a", 3);
-    EXPECT_EQ(text_of(*root), "[\\]|a=i3|[\\s]|");
-}
-
-TEST(TextForm, GoesDepthFirstInOrderOfCreation) {
-    const Tree root = memory_tree();
-    const Tree b = child_of(*root, "b");
-    const Tree a = child_of(*root, "a");
-    const Tree deep = child_of(*b, "deep one");
-    set_int(*a, "x", 1);
-    set_int(*deep, "z", 2);
-    set_int(*deep, "y", 3);
-    set_int(*b, "Upper", 4);
-    EXPECT_EQ(text_of(*root), "[\\]|[\\b]|Upper=i4|[\\b\\deep one]|z=i2|y=i3|[\\a]|x=i1|");
-}
-
-TEST(TextForm, NamesTheDefaultValue) {
-    const Tree root = memory_tree();
-    set_int(*root, "", 1);
-    EXPECT_EQ(text_of(*root), "[\\]|@=i1|");
+TEST(TextForm, GoesDepthFirstInOrderOfCreationValuesBeforeChildren) {
+    const struct {
+        std::vector<Step> steps;
+        const char* text;
+    } rows[] = {
+        {{}, "[\\]|"},
+        {{{"create", "s"}, {"set", "a"}}, "[\\]|a=i2|[\\s]|"},
+        {{{"set", ""}}, "[\\]|@=i1|"},
+        {{{"create", "b"},
+          {"create", "a"},
+          {"create", "b\\deep one"},
+          {"set", "a\\x"},
+          {"set", "b\\deep one\\z"},
+          {"set", "b\\deep one\\y"},
+          {"set", "b\\Upper"}},
+         "[\\]|[\\b]|Upper=i7|[\\b\\deep one]|z=i5|y=i6|[\\a]|x=i4|"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(text_of(*memory_tree(row.steps)), row.text);
 }
 
 TEST(TextForm, OfNoTreeIsRefused) {
@@ -114,37 +103,6 @@ TEST(TextForm, LeavesOutNamesThatDoNotOpen) {
     tree->DeleteValue(kSameHash);
     tree->DeleteSubParam(kSameHash);
     EXPECT_EQ(text_of(*tree), "[\\]|a=i1|b=i3|[\\c]|");
-}
-
-TEST(TextForm, NeedsEnumerators) {
-    for (bool ForeignTree::*enumerates :
-         {&ForeignTree::enumerates_values, &ForeignTree::enumerates_children}) {
-        ForeignTree tree;
-        tree.*enumerates = false;
-        CXString text("untouched");
-        EXPECT_THROW(Param_Param2String(tree.root().Get(), text), CXIFaceException);
-        EXPECT_EQ(text, "untouched");
-    }
-}
-
-// Exceptions of a tree pass, wherever they come from, and everything that was held is released.
-TEST(TextForm, ReleasesWhatItHoldsWhenATreeThrows) {
-    ForeignTree tree(
-        {{"set", "v"}, {"create", "a"}, {"set", "a\\v"}, {"create", "a\\b"}, {"set", "a\\b\\v"}});
-    int result = 0;
-    int calls = 0;
-    while (result == 0) {
-        tree.calls_left = ++calls;
-        CXString text("untouched");
-        try {
-            result = Param_Param2String(tree.root().Get(), text);
-        } catch (const CXException& e) {
-            EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
-            EXPECT_EQ(text, "untouched");
-        }
-        EXPECT_EQ(tree.held, 0) << "after call " << calls;
-    }
-    EXPECT_GT(calls, 15);
 }
 
 TEST(TextForm, TooLargeForAStringIsRefused) {

@@ -1,16 +1,11 @@
 // Reading the text form: lines, statements, sections and names.
 #include "forms.h"
 
-#include "param/foreign_param.h"
 #include "support/param_outline.h"
-
-#include "qzexception.h"
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
-
-#include <clocale>
 
 namespace {
 
@@ -129,12 +124,6 @@ TEST(TextParser, KeepsDoubleByteCharactersWhole) {
         EXPECT_EQ(text_of(*tree_from(row.text)), japanese ? row.whole : row.bytewise) << row.text;
 }
 
-TEST(TextParser, LeavesTheLocaleOfTheProcessAlone) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    tree_from("[\\]|a=R1.5|b=T1,2,3,4");
-    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
-}
-
 TEST(TextParser, ReadsLongNamesAndValues) {
     const std::string name(70000, 'n');
     const std::string value(300000, 'v');
@@ -155,33 +144,6 @@ TEST(TextParser, ReadsASectionOfManyValuesOnOneLine) {
         expected += name + "=i" + std::to_string(i) + "|";
     }
     EXPECT_EQ(text_of(*tree_from(text)), expected);
-}
-
-// What a tree throws passes; what was stored until then is kept, and everything that was held is released.
-TEST(TextParser, ReleasesWhatItHoldsWhenATreeThrows) {
-    int result = 0;
-    int calls = 0;
-    while (result == 0) {
-        ForeignTree tree;
-        tree.calls_left = ++calls;
-        CXString text("[\\]|a=sx|[\\b\\c]|d=x00|e=i1|f");
-        try {
-            result = Param_String2Param(text, tree.root().Get());
-        } catch (const CXException& e) {
-            EXPECT_EQ(e.GetCode(), ForeignTree::kFailure);
-        }
-        EXPECT_EQ(tree.held, 0) << "after call " << calls;
-        EXPECT_EQ(tree.top.values.size(), calls > 1 ? 1U : 0U);
-    }
-    EXPECT_GT(calls, 6);
-}
-
-TEST(TextParser, SkipsTheValuesOfASectionThatTheTreeRefuses) {
-    ForeignTree tree;
-    tree.creates = false;
-    CXString text("[\\]|a=i1|[\\s\\t]|b=i2|[\\]|c=i3");
-    EXPECT_EQ(Param_String2Param(text, tree.root().Get()), 1);
-    EXPECT_EQ(text_of(*tree.root()), "[\\]|a=i1|c=i3|");
 }
 
 } // namespace
