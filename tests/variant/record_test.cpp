@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -18,6 +19,8 @@ bool is_all_zero(const tagQZVARIANT& v) {
     static const unsigned char zeroes[sizeof v] = {};
     return v.vt == 0 && std::memcmp(&v.rrectVal, zeroes, sizeof v.rrectVal) == 0;
 }
+
+using Assignment = std::function<void(CQZVariant&)>;
 
 const char* const kSamples[QZVT_COUNT] = {
     "",         "1",         "200",         "60000",  "4000000000", "-70000",   "3000000000",
@@ -121,23 +124,16 @@ TEST(Variant, CopiesAreIndependent) {
 
 TEST(Variant, CopyingARecordOntoItselfEmptiesIt) {
     CountingObject object;
-    for (int way = 0; way < 4; ++way) {
+    const Assignment ways[] = {
+        [](CQZVariant& v) { QZVariantCopy(&v, &v); },
+        [](CQZVariant& v) { v = *&v; },
+        [](CQZVariant& v) { v = static_cast<const tagQZVARIANT&>(v); },
+        [](CQZVariant& v) { v = static_cast<const tagQZVARIANT*>(&v); },
+    };
+    for (const Assignment& way : ways) {
         for (CQZVariant& v : one_of_each(object)) {
-            SCOPED_TRACE(testing::Message() << "code " << v.vt << ", way " << way);
-            switch (way) {
-            case 0:
-                QZVariantCopy(&v, &v);
-                break;
-            case 1:
-                v = *&v;
-                break;
-            case 2:
-                v = static_cast<const tagQZVARIANT&>(v);
-                break;
-            default:
-                v = static_cast<const tagQZVARIANT*>(&v);
-                break;
-            }
+            SCOPED_TRACE(testing::Message() << "code " << v.vt << ", way " << (&way - ways));
+            way(v);
             EXPECT_TRUE(is_all_zero(v));
         }
         EXPECT_EQ(object.references, 1u);
@@ -166,76 +162,52 @@ TEST(Variant, AssigningItsOwnPartKeepsTheValue) {
     EXPECT_EQ(show(rect), "1,2");
 }
 
+template <class T>
+Assignment assigning(T value) {
+    return [value](CQZVariant& v) { v = value; };
+}
+
 // Assigning to a variant of every type gives the argument's type, and for five integers a boolean stays one.
 TEST(Variant, AssignmentsTakeTheNewTypeExceptIntegersInABoolean) {
     CountingObject object;
+    char hi[] = "hi";
     const struct {
-        const char* argument;
-        void (*assign)(CQZVariant& v);
         unsigned short vt;
+        Assignment assign;
         const char* value;
-        const char* in_boolean; // null: the boolean ends
+        const char* in_boolean = nullptr; // null: the boolean ends
     } rows[] = {
-        {"unsigned char", [](CQZVariant& v) { v = static_cast<unsigned char>(7); }, QZVT_UCHAR, "7", nullptr},
-        {"unsigned short", [](CQZVariant& v) { v = static_cast<unsigned short>(7); }, QZVT_USHORT, "7", "1"},
-        {"int", [](CQZVariant& v) { v = -7; }, QZVT_INT, "-7", "1"},
-        {"zero", [](CQZVariant& v) { v = 0; }, QZVT_INT, "0", "0"},
-        {"unsigned int", [](CQZVariant& v) { v = 0x80000000u; }, QZVT_UINT, "2147483648", "1"},
-        {"long", [](CQZVariant& v) { v = -9l; }, QZVT_LONG, "-9", "1"},
-        {"unsigned long", [](CQZVariant& v) { v = 256ul; }, QZVT_ULONG, "256", "1"},
-        {"float", [](CQZVariant& v) { v = 0.5f; }, QZVT_FLOAT, "0.5", nullptr},
-        {"double", [](CQZVariant& v) { v = 0.25; }, QZVT_DOUBLE, "0.25", nullptr},
-        {"text", [](CQZVariant& v) { v = "abc"; }, QZVT_TEXT, "\"abc\"", nullptr},
-        {"CXString", [](CQZVariant& v) { v = CXString("abc"); }, QZVT_TEXT, "\"abc\"", nullptr},
-        {"wide text", [](CQZVariant& v) { v = L"abc"; }, QZVT_WTEXT, "\"abc\"", nullptr},
-        {"CXStringW", [](CQZVariant& v) { v = CXStringW(L"abc"); }, QZVT_WTEXT, "\"abc\"", nullptr},
-        {"size",
-         [](CQZVariant& v) {
-             v = tagSIZE{1, 2};
-         },
-         QZVT_SIZE, "1,2", nullptr},
-        {"real size",
-         [](CQZVariant& v) {
-             v = tagRSIZE{1, 2};
-         },
-         QZVT_RSIZE, "1,2", nullptr},
-        {"point",
-         [](CQZVariant& v) {
-             v = tagPOINT{1, 2};
-         },
-         QZVT_POINT, "1,2", nullptr},
-        {"real point",
-         [](CQZVariant& v) {
-             v = tagRPOINT{1, 2};
-         },
-         QZVT_RPOINT, "1,2", nullptr},
-        {"rect",
-         [](CQZVariant& v) {
-             v = tagRECT{1, 2, 3, 4};
-         },
-         QZVT_RECT, "1,2,3,4", nullptr},
-        {"real rect",
-         [](CQZVariant& v) {
-             v = tagRRECT{1, 2, 3, 4};
-         },
-         QZVT_RRECT, "1,2,3,4", nullptr},
-        {"blob",
-         [](CQZVariant& v) {
-             v = tagQZBLOB{2, const_cast<char*>("hi")};
-         },
-         QZVT_BLOB, "6869", nullptr},
-        {"object", [](CQZVariant& v) { v = static_cast<IQZUnknown*>(nullptr); }, QZVT_OBJECT, "null",
-         nullptr},
+        {QZVT_UCHAR, assigning(static_cast<unsigned char>(7)), "7"},
+        {QZVT_USHORT, assigning(static_cast<unsigned short>(7)), "7", "1"},
+        {QZVT_INT, assigning(-7), "-7", "1"},
+        {QZVT_INT, assigning(0), "0", "0"},
+        {QZVT_UINT, assigning(0x80000000u), "2147483648", "1"},
+        {QZVT_LONG, assigning(-9l), "-9", "1"},
+        {QZVT_ULONG, assigning(256ul), "256", "1"},
+        {QZVT_FLOAT, assigning(0.5f), "0.5"},
+        {QZVT_DOUBLE, assigning(0.25), "0.25"},
+        {QZVT_TEXT, assigning("abc"), "\"abc\""},
+        {QZVT_TEXT, assigning(CXString("abc")), "\"abc\""},
+        {QZVT_WTEXT, assigning(L"abc"), "\"abc\""},
+        {QZVT_WTEXT, assigning(CXStringW(L"abc")), "\"abc\""},
+        {QZVT_SIZE, assigning(tagSIZE{1, 2}), "1,2"},
+        {QZVT_RSIZE, assigning(tagRSIZE{1, 2}), "1,2"},
+        {QZVT_POINT, assigning(tagPOINT{1, 2}), "1,2"},
+        {QZVT_RPOINT, assigning(tagRPOINT{1, 2}), "1,2"},
+        {QZVT_RECT, assigning(tagRECT{1, 2, 3, 4}), "1,2,3,4"},
+        {QZVT_RRECT, assigning(tagRRECT{1, 2, 3, 4}), "1,2,3,4"},
+        {QZVT_BLOB, assigning(tagQZBLOB{2, hi}), "6869"},
+        {QZVT_OBJECT, assigning(static_cast<IQZUnknown*>(nullptr)), "null"},
     };
     for (const auto& row : rows) {
         for (CQZVariant& v : one_of_each(object)) {
-            SCOPED_TRACE(testing::Message() << row.argument << " assigned to code " << v.vt);
+            SCOPED_TRACE(testing::Message() << "code " << row.vt << " assigned to code " << v.vt);
             const bool stays = v.vt == QZVT_BOOL && row.in_boolean != nullptr;
             row.assign(v);
             EXPECT_EQ(v.vt, stays ? unsigned{QZVT_BOOL} : row.vt);
             EXPECT_EQ(show(v), stays ? row.in_boolean : row.value);
         }
-        EXPECT_EQ(object.references, 1u) << row.argument;
+        EXPECT_EQ(object.references, 1u) << row.vt;
     }
 }
 
