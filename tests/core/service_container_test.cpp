@@ -132,38 +132,25 @@ TEST(ServiceContainer, HoldsManyServices) {
 
 // ---- sinks
 
-TEST(ServiceSink, IsToldOncePerName) {
+TEST(ServiceSink, IsToldOncePerNameAfterTheFactAndNotOfTheContainersEnd) {
     Sink sink;
-    const auto container = make_container();
+    std::vector<int> found; // whether a is there while the sink is told
+    const auto look = [&](IQZServiceContainer& c) { found.push_back(c.GetService("a", nullptr)); };
+    sink.when_added = sink.when_removed = look;
+    auto container = make_container();
     container->AddService("a", &sink);
     container->AddService("b", &sink);
     EXPECT_EQ(container->AddService("a", &sink), 0);
     EXPECT_EQ(sink.added, 2);
     container->RemoveService("a");
     EXPECT_EQ(sink.removed, 1);
+    EXPECT_THAT(found, ElementsAre(1, 1, 0));
     container->RemoveAllServices();
     EXPECT_EQ(sink.removed, 2);
-    EXPECT_EQ(sink.references, 1u);
-}
-
-TEST(ServiceSink, IsNotToldOfTheContainersEnd) {
-    Sink sink;
-    make_container()->AddService("a", &sink);
-    EXPECT_EQ(sink.removed, 0);
-    EXPECT_EQ(sink.references, 1u);
-}
-
-TEST(ServiceSink, IsToldAfterTheFact) {
-    Sink sink;
-    int found_when_added = -1;
-    int found_when_removed = -1;
-    sink.when_added = [&](IQZServiceContainer& c) { found_when_added = c.GetService("a", nullptr); };
-    sink.when_removed = [&](IQZServiceContainer& c) { found_when_removed = c.GetService("a", nullptr); };
-    const auto container = make_container();
     container->AddService("a", &sink);
-    container->RemoveService("a");
-    EXPECT_EQ(found_when_added, 1);
-    EXPECT_EQ(found_when_removed, 0);
+    container.Reset();
+    EXPECT_EQ(sink.removed, 2);
+    EXPECT_EQ(sink.references, 1u);
 }
 
 TEST(ServiceSink, MayRemoveItselfWhenAdded) {

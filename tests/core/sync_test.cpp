@@ -5,6 +5,7 @@
 #include "qzexception.h"
 #include "qzheap.h"
 #include "qzref.h"
+#include "support/child_process.h"
 
 #include <gtest/gtest.h>
 
@@ -142,34 +143,19 @@ TEST(WaitAll, TellsOfAnOwnerThatEnded) {
 
 TEST(WaitAll, SeesTheMutexOfAnotherProcess) {
     auto section = CQZRef<ICritSect>::Adopt(CriticalSection_New());
-    HANDLE const held = CreateEventA(nullptr, TRUE, FALSE, "QzrSyncTestHeld");
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, MAX_PATH);
-    std::string command = "\"" + std::string(program) +
-                          "\" --gtest_also_run_disabled_tests --gtest_filter=WaitAll.DISABLED_HoldAndDie";
-    STARTUPINFOA start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION child{};
-    ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                               &child));
-    ASSERT_EQ(WaitForSingleObject(held, kPatience), WAIT_OBJECT_0);
+    const ChildProcess child("WaitAll.DISABLED_HoldAndDie", L"");
+    ASSERT_TRUE(child.wait_ready());
     EXPECT_EQ(Wait_All(0), QZWAIT_TIMEOUT);
-    TerminateProcess(child.hProcess, 0);
+    child.end();
     EXPECT_EQ(Wait_All(kPatience), QZWAIT_ABANDONED);
     Wait_Release();
-    WaitForSingleObject(child.hProcess, kPatience);
-    CloseHandle(child.hThread);
-    CloseHandle(child.hProcess);
-    CloseHandle(held);
 }
 
 // The other process of the test above: takes the mutex and waits to be ended.
 TEST(WaitAll, DISABLED_HoldAndDie) {
     auto section = CQZRef<ICritSect>::Adopt(CriticalSection_New());
     ASSERT_EQ(Wait_All(kPatience), QZWAIT_SIGNALLED);
-    HANDLE const held = OpenEventA(EVENT_MODIFY_STATE, FALSE, "QzrSyncTestHeld");
-    ASSERT_NE(held, nullptr);
-    SetEvent(held);
+    child_ready();
     Sleep(kPatience);
 }
 
