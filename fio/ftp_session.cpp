@@ -21,7 +21,7 @@ void limit_waiting(HINTERNET session) {
 // Null asks the platform for an anonymous log-in.
 const wchar_t* text_or_null(const CXStringW& text) { return text.GetSize() != 0 ? text.GetData() : nullptr; }
 
-// The library stays loaded as long as a thread of it runs.
+// The library stays loaded as long as a thread of it runs, whoever frees it meanwhile.
 HMODULE hold_library(const void* code) {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, static_cast<const wchar_t*>(code), &module);
@@ -48,7 +48,7 @@ DWORD FtpTask::connect_and_talk() {
 }
 
 DWORD WINAPI FtpTask::thread_main(void* task) {
-    const HMODULE library = hold_library(reinterpret_cast<const void*>(&FtpTask::thread_main));
+    const HMODULE library = static_cast<FtpTask*>(task)->library_;
     {
         const std::shared_ptr<FtpTask> self = std::move(static_cast<FtpTask*>(task)->self_);
         try {
@@ -75,9 +75,11 @@ void FtpTask::give_up() noexcept {
 DWORD run_ftp(const std::shared_ptr<FtpTask>& task) {
     if (!task->valid_) return ERROR_INTERNET_INVALID_URL;
     task->self_ = task;
+    task->library_ = hold_library(reinterpret_cast<const void*>(&FtpTask::thread_main));
     const KernelHandle thread(CreateThread(nullptr, 0, &FtpTask::thread_main, task.get(), 0, nullptr));
     if (!thread) {
         const DWORD error = last_error();
+        FreeLibrary(task->library_);
         task->self_.reset();
         return error;
     }

@@ -80,6 +80,7 @@ private:
     NativeLock lock_; // of the members below
     bool given_up_ = false;
     InternetHandle session_;
+    HMODULE library_ = nullptr;     // held for the thread
     std::shared_ptr<FtpTask> self_; // keeps the task for its thread
 };
 

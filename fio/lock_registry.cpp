@@ -47,18 +47,28 @@ LockRegistry::Records::iterator LockRegistry::find(const wchar_t* path) {
     return folded.valid() ? records_.find(folded.text()) : records_.end();
 }
 
+bool LockRegistry::count_one_more(std::wstring_view folded, bool exclusive) {
+    const auto found = records_.find(folded);
+    if (found == records_.end()) return false;
+    ++found->second.count(exclusive);
+    return true;
+}
+
+// Whether the file exists is asked without holding the others up: a server may have to answer.
 void LockRegistry::lock(const wchar_t* path, bool exclusive) {
-    const std::lock_guard guard(lock_);
-    if (enabled_ == 0 && is_memory_path(path)) return;
     const FoldedPath folded(path);
     if (!folded.valid()) return;
-    if (const auto found = records_.find(folded.text()); found != records_.end()) {
-        ++found->second.count(exclusive);
-        return;
+    {
+        const std::lock_guard guard(lock_);
+        if (enabled_ == 0 && is_memory_path(path)) return;
+        if (count_one_more(folded.text(), exclusive)) return;
     }
+    const bool must_open = exclusive || Fio_IsFileExist(path) != 0;
+    const std::lock_guard guard(lock_);
+    if (count_one_more(folded.text(), exclusive)) return;
     Record record;
     ++record.count(exclusive);
-    if (exclusive || Fio_IsFileExist(path) != 0) {
+    if (must_open) {
         record.file = open_lock_file(path);
         if (!record.file) return;
     }
@@ -89,13 +99,21 @@ void LockRegistry::let_go(const wchar_t* path) {
     found->second.file.reset();
 }
 
+LockRegistry::Record* LockRegistry::without_file(const wchar_t* path) {
+    const auto found = find(path);
+    return found != records_.end() && !found->second.file ? &found->second : nullptr;
+}
+
 // A record that still has its file keeps it: two of the library's readers of one path end one after the
 // other, and each gives the handle back.
 void LockRegistry::take_back(const wchar_t* path) {
+    {
+        const std::lock_guard guard(lock_);
+        if (without_file(path) == nullptr) return;
+    }
+    if (Fio_IsFileExist(path) == 0) return;
     const std::lock_guard guard(lock_);
-    const auto found = find(path);
-    if (found == records_.end() || found->second.file || Fio_IsFileExist(path) == 0) return;
-    found->second.file = open_lock_file(path);
+    if (Record* const record = without_file(path)) record->file = open_lock_file(path);
 }
 
 int LockRegistry::set_enabled(int on) {

@@ -62,7 +62,10 @@ private:
     using Records =
         std::unordered_map<Text, Record, Hash, Equal, HeapAllocator<std::pair<const Text, Record>>>;
 
+    // These want the lock held.
     Records::iterator find(const wchar_t* path);
+    bool count_one_more(std::wstring_view folded, bool exclusive); // false without a record
+    Record* without_file(const wchar_t* path); // a record that waits for its file, or null
 
     NativeLock lock_; // nobody is asked to share the registry, but opening files on two threads uses it
     Records records_; // by folded path

@@ -3,6 +3,7 @@
 #include "ftp_fixture.h"
 #include "qzstream.h"
 #include "qzstring.h"
+#include "support/import_mock.h"
 
 #include <functional>
 
@@ -297,6 +298,38 @@ TEST_F(FtpServer, OtherOperationsRefuseAddresses) {
         EXPECT_EQ(Fio_LockCount(path.c_str(), false), missing ? 1 : 0) << "recorded without a handle alone";
         Fio_UnlockFile(path.c_str(), false);
     }
+}
+
+// Each call in the middle of a transfer, failing alone.
+TEST_F(FtpServer, FailsWithThePlatform) {
+    put(L"fetch.txt", "remote");
+    const std::wstring local = work.file(L"local.txt", "local");
+    const struct {
+        const char* function;
+        bool download;
+    } rows[] = {{"WriteFile", true},    {"InternetReadFile", true}, {"MoveFileExW", true},
+                {"FtpOpenFileW", true}, {"ReadFile", false},        {"InternetWriteFile", false},
+                {"FtpOpenFileW", false}};
+    const auto fail = reinterpret_cast<void*>(+[]() -> void* {
+        SetLastError(ERROR_DISK_FULL);
+        return nullptr;
+    });
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.function) + (row.download ? " fetching" : " sending"));
+        if (!row.download) {
+            const ImportMock mock("qzrcore.dll", row.function, fail);
+            EXPECT_EQ(Fio_UrlPutFile(url(L"sent.txt").c_str(), local.c_str()), 0);
+        } else {
+            const ImportMock mock("qzrcore.dll", row.function, fail);
+            EXPECT_EQ(Fio_DownloadToFile(url(L"fetch.txt").c_str(), local.c_str()), 0);
+        }
+        EXPECT_FALSE(std::filesystem::exists(on_server(L"sent.txt")));
+        EXPECT_EQ(work.contents(L"local.txt"), "local");
+        EXPECT_EQ(work.count(), 1u);
+    }
+    EXPECT_NE(Fio_UrlPutFile(url(L"sent.txt").c_str(), local.c_str()), 0) << "when nothing fails";
+    EXPECT_NE(Fio_DownloadToFile(url(L"fetch.txt").c_str(), local.c_str()), 0);
+    EXPECT_EQ(work.contents(L"local.txt"), "remote");
 }
 
 // Names go to the server in the system's ANSI code page: a server that takes names for UTF-8 sees other ones,
