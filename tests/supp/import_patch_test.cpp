@@ -255,6 +255,33 @@ TEST(ImportPatch, DamagedImagesAreSurvived) {
     EXPECT_GT(refused, 100u);
 }
 
+// The headers claim the memory behind the module, where a slot lies in wait.
+TEST(ImportPatch, NothingOutsideTheModuleIsTouched) {
+    constexpr std::size_t kGranularity = 65536;
+    const Module target("hook_target.dll");
+    ImageCopy image(target.get());
+    const std::string bytes = image.bytes();
+    const std::size_t size = (bytes.size() + kGranularity - 1) / kGranularity * kGranularity;
+    void* const place = VirtualAlloc(nullptr, size + kGranularity, MEM_RESERVE, PAGE_NOACCESS);
+    VirtualFree(place, 0, MEM_RELEASE);
+    auto* const base =
+        static_cast<char*>(VirtualAlloc(place, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    auto** const slots = static_cast<void**>(
+        VirtualAlloc(base + size, kGranularity, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_EQ(static_cast<void*>(slots), base + size);
+    std::memcpy(base, bytes.data(), bytes.size());
+    auto& headers =
+        *reinterpret_cast<IMAGE_NT_HEADERS*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+    headers.OptionalHeader.SizeOfImage = static_cast<DWORD>(size + kGranularity);
+    const auto imports = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + imports)->FirstThunk = static_cast<DWORD>(size);
+    slots[0] = system_mul_div();
+    EXPECT_EQ(HookProc_Install(reinterpret_cast<HINSTANCE>(base), "KERNEL32", "MulDiv", kAddThree), nullptr);
+    EXPECT_EQ(slots[0], system_mul_div());
+    VirtualFree(slots, 0, MEM_RELEASE);
+    VirtualFree(base, 0, MEM_RELEASE);
+}
+
 TEST(ImportPatch, HeadersOfAnotherLayoutAreRefused) {
     const Module target("hook_target.dll");
     const struct {
