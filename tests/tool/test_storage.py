@@ -3,6 +3,7 @@ import os
 import random
 import signal
 import subprocess
+import tempfile
 
 from support import CANCELLED, NO, OK, TROUBLE, ProgramTest
 
@@ -21,14 +22,20 @@ HOSTILE = ["sub/%2E%2E", "..%2F..%2Fup", "C%3A%5Cx", "%43ON", "%6Eul.txt", "%05S
 class Storage(ProgramTest):
     def build(self, contents=None):
         contents = CONTENTS if contents is None else contents
-        for path, data in contents.items():
-            self.tool("storage", "put", "a.qzc!" + path, "-", stdin=data)
+        with tempfile.TemporaryDirectory(dir=os.environ["QZRTOOL_SCRATCH"]) as folder:
+            for path, data in contents.items():
+                place = os.path.join(folder, path)
+                os.makedirs(os.path.dirname(place), exist_ok=True)
+                with open(place, "wb") as file:
+                    file.write(data)
+            self.tool("storage", "pack", folder, "a.qzc", env={"QZRTOOL_UNIX_ROOT": "Z:"})
 
     def listed(self, file):
         return {(item["path"], item.get("size")) for item in json.loads(self.tool("storage", "ls", file, "--json").out)}
 
     def test_streams_are_put_listed_read_and_removed(self):
-        self.build()
+        for path, data in CONTENTS.items():
+            self.tool("storage", "put", "a.qzc!" + path, "-", stdin=data)
         self.assertEqual(self.tool("storage", "ls", "a.qzc").out.split(),
                          "0 Empty 10 Page Settings/ 4097 Settings/large 4095 Settings/small Settings/View/ "
                          "76800 Settings/View/Zoom".split())
@@ -54,9 +61,10 @@ class Storage(ProgramTest):
         self.assertIn("is there already", self.tool("storage", "extract", "a.qzc", "out", code=TROUBLE).err)
 
     def test_hostile_names_stay_inside_and_come_back(self):
-        self.build({name: b"x" for name in HOSTILE})
+        names = {name.replace("%2E%2E", ".%2E"): b"x" for name in HOSTILE}
+        self.build(names)
         before = self.listed("a.qzc")
-        self.assertTrue({(name.replace("%2E%2E", ".%2E"), 1) for name in HOSTILE} <= before, before)
+        self.assertEqual({path for path, size in before if size is not None}, set(names))
         self.tool("storage", "extract", "a.qzc", "deep")
         self.assertEqual(self.files(), ["a.qzc", "deep"])
         found = {os.path.relpath(os.path.join(folder, name), self.path("deep"))

@@ -5,6 +5,9 @@
 #include "encoding.h"
 #include "files.h"
 #include "kinds.h"
+#include "qzfile.h"
+#include "qzurl.h"
+#include "remote.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -55,12 +58,28 @@ void locate_unknown(Address& address, const std::wstring& text) {
     address.file = fs::absolute(native_path(text));
 }
 
+/// An address names a file that is worked on in a local copy.
+void locate_remote(Address& address, const std::wstring& text) {
+    const bool may_have_storages = address.kind == nullptr || address.kind->place == Place::storage;
+    if (address.kind != nullptr && address.kind->place == Place::registry)
+        fail(address.shown + ": a key of the registry has no address");
+    const std::size_t path = text.find(L'/', text.find(L"//") + 2);
+    const std::size_t mark = may_have_storages ? text.find(L'!', std::min(path, text.size())) : text.npos;
+    address.url = text.substr(0, mark);
+    if (mark != text.npos) {
+        address.inside = text.substr(mark + 1);
+        address.kind = &kStorageKind;
+    }
+    address.copy = std::make_shared<ScratchFile>();
+    address.file = address.copy->path();
+}
+
 /// Splits KIND:FILE. A single letter before the colon is a drive.
 Address split(const std::wstring& argument) {
     Address address = {};
     std::wstring file = argument;
     const std::size_t colon = argument.find(L':');
-    if (colon != std::wstring::npos && colon > 1) {
+    if (colon != std::wstring::npos && colon > 1 && !is_remote(argument)) {
         const std::string name = utf8(argument.substr(0, colon));
         address.kind = kind_named(name);
         if (address.kind == nullptr)
@@ -68,8 +87,10 @@ Address split(const std::wstring& argument) {
         file = argument.substr(colon + 1);
     }
     if (file.empty()) fail("\"" + printable(utf8(argument)) + "\" names no file");
-    address.shown = printable(utf8(file));
-    if (address.kind == nullptr) {
+    address.shown = without_passwords(printable(utf8(file)));
+    if (is_remote(file)) {
+        locate_remote(address, file);
+    } else if (address.kind == nullptr) {
         locate_unknown(address, file);
     } else if (address.kind->place == Place::registry) {
         locate_key(address, file);
@@ -83,8 +104,9 @@ Address split(const std::wstring& argument) {
     return address;
 }
 
-const Kind* kind_by_extension(const fs::path& file) {
-    std::wstring extension = file.extension().wstring();
+const Kind* kind_by_extension(const Address& address) {
+    const fs::path name = address.url.empty() ? address.file : fs::path(address.url);
+    std::wstring extension = name.extension().wstring();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
     return kind_with_extension(utf8(extension));
@@ -134,6 +156,25 @@ fs::path native_path(const std::wstring& path) {
     return root != nullptr && rooted ? fs::path(root + path).make_preferred() : fs::path(path);
 }
 
+void fetch(const Address& address) {
+    if (address.url.empty()) return;
+    if (Fio_DownloadToFile(address.url.c_str(), address.file.c_str()) == 0)
+        fail(address.shown + ": cannot be fetched");
+}
+
+void fetch_if_there(const Address& address) {
+    if (address.url.empty() || Fio_DownloadToFile(address.url.c_str(), address.file.c_str()) != 0) return;
+    if (Fio_IsFileExist(address.url.c_str()) != 0) fail(address.shown + ": cannot be fetched");
+    std::error_code ignored;
+    fs::remove(address.file, ignored);
+}
+
+void publish(const Address& address) {
+    if (address.url.empty()) return;
+    if (Fio_UrlPutFile(address.url.c_str(), address.file.c_str()) == 0)
+        fail(address.shown + ": cannot be sent");
+}
+
 std::string read_source(const Address& address) {
     return address.standard ? read_standard_input() : read_file(address.file, address.shown);
 }
@@ -146,11 +187,12 @@ void replace_target(const Address& address, std::string_view bytes) {
 Address source_address(const std::wstring& argument) {
     Address address = split(argument);
     if (address.standard || address.file.empty()) return address;
+    fetch(address);
     std::error_code error;
     if (!fs::exists(address.file, error)) fail(address.shown + ": there is no such file");
     if (fs::is_directory(address.file, error)) fail(address.shown + ": is a directory");
     if (address.kind == nullptr) address.kind = kind_by_contents(address);
-    if (address.kind == nullptr) address.kind = kind_by_extension(address.file);
+    if (address.kind == nullptr) address.kind = kind_by_extension(address);
     if (address.kind == nullptr) fail_unknown_kind(address);
     return address;
 }
@@ -158,9 +200,10 @@ Address source_address(const std::wstring& argument) {
 Address target_address(const std::wstring& argument) {
     Address address = split(argument);
     if (address.standard) address.shown = "standard output";
-    if (address.kind == nullptr) address.kind = kind_by_extension(address.file);
+    if (address.kind == nullptr) address.kind = kind_by_extension(address);
     if (address.kind == nullptr) address.kind = kind_by_contents(address);
     if (address.kind == nullptr) fail_unknown_kind(address);
+    if (address.kind->keeps_other_contents) fetch_if_there(address);
     return address;
 }
 

@@ -80,6 +80,11 @@ ExitCode run_storage_extract(Invocation& invocation);
 ExitCode run_file_info(Invocation& invocation);
 ExitCode run_file_probe(Invocation& invocation);
 ExitCode run_file_lock_test(Invocation& invocation);
+ExitCode run_file_get(Invocation& invocation);
+ExitCode run_file_put(Invocation& invocation);
+ExitCode run_file_ls(Invocation& invocation);
+ExitCode run_file_rm(Invocation& invocation);
+ExitCode run_file_mkdir(Invocation& invocation);
 ExitCode run_recover(Invocation& invocation);
 ExitCode run_help(Invocation& invocation);
 

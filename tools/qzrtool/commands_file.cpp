@@ -4,6 +4,7 @@
 #include "encoding.h"
 #include "json.h"
 #include "qzfile.h"
+#include "remote.h"
 
 #include <cstdio>
 #include <fcntl.h>
@@ -18,14 +19,18 @@ namespace fs = std::filesystem;
 
 struct NamedFile {
     explicit NamedFile(const std::wstring& argument)
-        : path(fs::absolute(native_path(argument))), shown(printable(utf8(argument))) {}
+        : remote(is_remote(argument)),
+          path(remote ? fs::path(argument) : fs::absolute(native_path(argument))),
+          shown(without_passwords(printable(utf8(argument)))) {}
 
     void require() const {
         std::error_code ignored;
+        if (remote) fail(shown + ": only local files can be locked and opened in place");
         if (!fs::exists(path, ignored)) fail(shown + ": there is no such file");
     }
 
-    fs::path path;
+    bool remote;
+    fs::path path; // of a file on a server its address
     std::string shown;
 };
 
@@ -54,10 +59,10 @@ Facts facts_of(const NamedFile& file) {
     Fio_GetFileInfo(file.path.c_str(), &info);
     facts.written = time_text(info);
     std::error_code error;
-    facts.is_directory = fs::is_directory(file.path, error);
+    facts.is_directory = !file.remote && fs::is_directory(file.path, error);
     facts.size = info.size;
     // The library's own size has 32 bits.
-    if (!facts.is_directory) {
+    if (!file.remote && !facts.is_directory) {
         const auto size = fs::file_size(file.path, error);
         if (!error) facts.size = size;
     }
@@ -159,7 +164,7 @@ std::string padded(std::string text, std::size_t width) {
 
 ExitCode run_file_info(Invocation& invocation) {
     const NamedFile file(invocation.arguments[0]);
-    file.require();
+    if (!file.remote) file.require();
     const Facts facts = facts_of(file);
     if (invocation.options.json) {
         write_json(invocation.out, facts);

@@ -194,6 +194,7 @@ ExitCode run_storage_put(Invocation& invocation) {
     const std::string shown = printable(utf8(invocation.arguments[1]));
     const fs::path source = fs::absolute(native_path(invocation.arguments[1]));
 
+    fetch_if_there(target);
     const auto progress = Progress::make(invocation.options.progress, "writing");
     CompoundFileEdit file(target.file, target.shown, CompoundFileEdit::from_contents, progress.Get());
     {
@@ -211,6 +212,7 @@ ExitCode run_storage_put(Invocation& invocation) {
         }
     }
     file.commit();
+    publish(target);
     return kOk;
 }
 
@@ -219,6 +221,7 @@ ExitCode run_storage_rm(Invocation& invocation) {
     const ElementPath path = element_path(target.inside);
     if (path.names.empty()) fail(target.shown + ": what is to be removed? It is written behind the file");
     const char* what = path.ends_in_separator ? "storage" : "stream";
+    fetch(target);
     if (!fs::exists(target.file)) fail(target.shown + ": there is no such file");
 
     const auto progress = Progress::make(invocation.options.progress, "writing");
@@ -236,6 +239,7 @@ ExitCode run_storage_rm(Invocation& invocation) {
         is_stream ? storage->DestroyStream(name) : storage->DestroyStorage(name);
     }
     file.commit();
+    publish(target);
     return kOk;
 }
 
@@ -252,6 +256,7 @@ ExitCode run_storage_pack(Invocation& invocation) {
         pack_entry(file.root(), entry, *progress);
     }
     file.commit();
+    publish(target);
     return kOk;
 }
 

@@ -35,6 +35,7 @@ ExitCode run_convert(Invocation& invocation) {
     const bool lossy = tell_losses(invocation, target, *tree);
     invocation.diagnostics.stop_if_strict();
     target.kind->save(target, *tree, invocation.options.save);
+    publish(target);
     return lossy ? kNo : kOk;
 }
 
@@ -46,6 +47,7 @@ ExitCode run_set(Invocation& invocation) {
         fail(path_text(edit.path.sections) + " is the path of a section, not of a value");
     const auto tree = load_to_change(invocation, address);
     address.kind->edit(address, *tree, edit);
+    publish(address);
     return kOk;
 }
 
@@ -67,6 +69,7 @@ ExitCode run_rm(Invocation& invocation) {
         return kNo;
     }
     address.kind->edit(address, *tree, edit);
+    publish(address);
     return kOk;
 }
 

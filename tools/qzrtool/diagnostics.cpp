@@ -2,6 +2,7 @@
 
 #include "console.h"
 #include "encoding.h"
+#include "remote.h"
 
 #include <exception>
 #include <new>
@@ -88,7 +89,9 @@ void Diagnostics::stop_if_strict() const {
                                "; stopped because of --strict"};
 }
 
-void print_error(const std::string& line) { write_standard(StandardStream::error, line + "\n"); }
+void print_error(const std::string& line) {
+    write_standard(StandardStream::error, without_passwords(line) + "\n");
+}
 
 ExitCode report_current_exception() {
     const auto report = [](const std::string& text, ExitCode code = kTrouble) {

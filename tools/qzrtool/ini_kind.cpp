@@ -49,6 +49,7 @@ const Kind kIniKind = {
     "",
     "the text form, read and written as programs do, a line for each section",
     kTextForm,
+    false,
     nullptr,
     load,
     save,

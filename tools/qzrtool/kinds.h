@@ -40,6 +40,7 @@ struct Kind {
     const char* extensions; // with their dots, parted by blanks
     const char* description;
     Form form;
+    bool keeps_other_contents; // a tree that is saved replaces only a part of the file
 
     /// @return whether the contents of a file look like this kind; null for a kind that is always named
     bool (*recognises)(std::string_view bytes);

@@ -94,9 +94,9 @@ void edit(const Address& address, IParam& loaded, const Edit& edit) {
 } // namespace
 
 const Kind kLiveKind = {
-    "live",    "FILE",  Place::file, "",   "an INI file as programs keep it live, a key for each value",
-    kLiveForm, nullptr, load,        save, rehearse,
-    edit,
+    "live",    "FILE", Place::file, "",   "an INI file as programs keep it live, a key for each value",
+    kLiveForm, true,   nullptr,     load, save,
+    rehearse,  edit,
 };
 
 } // namespace tool

@@ -106,17 +106,9 @@ void edit(const Address& address, IParam& loaded, const Edit& edit) {
 } // namespace
 
 const Kind kRegistryKind = {
-    "reg",
-    "HKCU\\KEY",
-    Place::registry,
-    "",
-    "a key of the registry below HKCU or HKLM",
-    kRegistryForm,
-    nullptr,
-    load,
-    save,
-    rehearse,
-    edit,
+    "reg",         "HKCU\\KEY", Place::registry, "",   "a key of the registry below HKCU or HKLM",
+    kRegistryForm, false,       nullptr,         load, save,
+    rehearse,      edit,
 };
 
 } // namespace tool

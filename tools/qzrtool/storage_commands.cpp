@@ -3,9 +3,10 @@
 namespace tool {
 
 StorageSource::StorageSource(const std::wstring& argument, Progress* progress)
-    : address_(compound_address(argument)),
-      path_(element_path(address_.inside)),
-      root_(open_compound_file(address_.file, address_.shown, progress)) {}
+    : address_(compound_address(argument)), path_(element_path(address_.inside)) {
+    fetch(address_);
+    root_ = open_compound_file(address_.file, address_.shown, progress);
+}
 
 unsigned long long StorageSource::file_size() const {
     std::error_code ignored;

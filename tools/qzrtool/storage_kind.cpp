@@ -83,8 +83,17 @@ void edit(const Address& address, IParam& loaded, const Edit& edit) {
 } // namespace
 
 const Kind kStorageKind = {
-    "stor",       "FILE[!STORAGE]", Place::storage, ".qzc", "a compound file, or a storage in one",
-    kStorageForm, recognises,       load,           save,   rehearse,
+    "stor",
+    "FILE[!STORAGE]",
+    Place::storage,
+    ".qzc",
+    "a compound file, or a storage in one",
+    kStorageForm,
+    true,
+    recognises,
+    load,
+    save,
+    rehearse,
     edit,
 };
 

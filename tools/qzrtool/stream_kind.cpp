@@ -50,6 +50,7 @@ const Kind kStreamKind = {
     ".qzs .stream",
     "a file in the compact binary form",
     kStreamForm,
+    false,
     recognises,
     load,
     save,

@@ -35,6 +35,7 @@ const Kind kTextKind = {
     ".qzt .txt",
     "a file in the sectioned text form, in the ANSI code page",
     kTextForm,
+    false,
     recognises,
     load,
     save,
