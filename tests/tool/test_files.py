@@ -49,6 +49,8 @@ class Files(ProgramTest):
             ("QZP4.tmp", b"", None),
             ("QZP5.tmp", marked(b"abc", 3)[:-1] + b"\xff", None),
             ("QZP6.tmp", MARK + bytes(16), MARK + bytes(16)),  # no mark: it does not tell its place
+            ("QZP7.tmp", b"ol\0\0\0", None),  # part of a copy of the file that is there
+            ("QZP8.tmp", b"old!", b"old!"),
             ("QZPx.tmp", b"of another program", None),
             ("notes.tmp", b"of another program", None),
         ]

@@ -120,6 +120,18 @@ class Storage(ProgramTest):
                     self.assertNotEqual(result.code, OK, result.out)
                 self.assertEqual(self.read("b.qzc"), contents)
 
+    def test_directories_that_lead_in_circles(self):
+        self.build({"Loop/Page": b"x"})
+        data = bytearray(self.read("a.qzc"))
+        child = 0x4C  # of a directory entry: the number of the entry that its elements begin with
+        root, loop = (data.index(name.encode("utf-16le") + b"\0\0") for name in ("Root Entry", "Loop"))
+        data[loop + child:loop + child + 4] = data[root + child:root + child + 4]
+        self.write("a.qzc", bytes(data))
+        for arguments in (["storage", "check", "a.qzc"], ["storage", "extract", "a.qzc", "out"], ["show", "a.qzc"]):
+            with self.subTest(arguments=arguments):
+                self.assertIn("leads in circles", self.tool(*arguments, code=TROUBLE).err)
+        self.assertEqual(self.files(), ["a.qzc"])
+
     def test_a_bar_shows_the_progress(self):
         self.write("in", b"x" * 300000)
         bar = self.tool("storage", "put", "--progress=always", "a.qzc!s", "in").err

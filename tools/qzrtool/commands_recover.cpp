@@ -55,6 +55,8 @@ const char* state_text(Leftover::State state) {
         return "unfinished: its program stopped while it wrote";
     case Leftover::empty:
         return "empty";
+    case Leftover::copy:
+        return "nothing new: the beginning of another file of the folder";
     case Leftover::in_use:
         break;
     }
@@ -102,7 +104,11 @@ public:
     }
 
 private:
-    static void question(const std::string& text) { write_standard(StandardStream::error, text); }
+    /// Questions go where the list went, so that they come after it.
+    void question(const std::string& text) {
+        invocation_.out.write(text);
+        invocation_.out.finish();
+    }
 
     Invocation& invocation_;
     fs::path folder_;

@@ -236,6 +236,8 @@ ExitCode run_storage_rm(Invocation& invocation) {
                         (is_storage ? ", but a storage, which is removed with a \"/\" behind its name" : ""));
             return kNo;
         }
+        if (is_storage)
+            bytes_in(*storage, fs::file_size(target.file)); // fails where removing would have no end
         is_stream ? storage->DestroyStream(name) : storage->DestroyStorage(name);
     }
     file.commit();

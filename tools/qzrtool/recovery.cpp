@@ -4,10 +4,12 @@
 #include "files.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <cwctype>
 #include <fcntl.h>
+#include <fstream>
 #include <io.h>
 #include <share.h>
 
@@ -39,7 +41,7 @@ bool is_temporary_name(const fs::path& path) {
 
 Leftover examine(const fs::path& path) {
     std::error_code ignored;
-    Leftover found = {path, Leftover::in_use, 0, fs::last_write_time(path, ignored)};
+    Leftover found = {path, Leftover::in_use, 0, false, fs::last_write_time(path, ignored)};
     int number = -1;
     _wsopen_s(&number, path.c_str(), _O_RDONLY | _O_BINARY, _SH_DENYRW, 0);
     if (number < 0) return found;
@@ -54,6 +56,7 @@ Leftover examine(const fs::path& path) {
     }
     _close(number);
 
+    found.marked = marked;
     found.size = marked ? mark.whole_size : static_cast<unsigned long long>(std::max(size, 0ll));
     if (marked && (mark.whole_size == UnfinishedMark::kNotWhole || mark.whole_size > mark.end)) {
         found.state = Leftover::unfinished;
@@ -62,6 +65,31 @@ Leftover examine(const fs::path& path) {
         found.state = found.size == 0 ? Leftover::empty : Leftover::complete;
     }
     return found;
+}
+
+/// Tells whether a file is the beginning of another one, but for zeroes at its end.
+bool begins_like(const fs::path& file, const fs::path& other) {
+    std::ifstream a(file, std::ios::binary), b(other, std::ios::binary);
+    std::array<char, 4096> mine, theirs;
+    for (bool only_zeroes = false; a;) {
+        a.read(mine.data(), mine.size());
+        b.read(theirs.data(), a.gcount());
+        const auto end = mine.begin() + a.gcount();
+        auto rest = mine.begin();
+        if (!only_zeroes) rest = std::mismatch(rest, end, theirs.begin(), theirs.begin() + b.gcount()).first;
+        only_zeroes = only_zeroes || rest != end;
+        if (std::any_of(rest, end, [](char c) { return c != 0; })) return false;
+    }
+    return true;
+}
+
+bool is_copy_of_a_neighbour(const fs::path& file) {
+    for (const auto& entry : fs::directory_iterator(file.parent_path())) {
+        std::error_code ignored;
+        const bool other = entry.is_regular_file(ignored) && !is_temporary_name(entry.path());
+        if (other && begins_like(file, entry.path())) return true;
+    }
+    return false;
 }
 
 /// @return a name beside a file that is free
@@ -80,8 +108,11 @@ std::vector<Leftover> find_leftovers(const fs::path& place, const std::string& s
     std::error_code error;
     if (fs::is_directory(place, error)) {
         for (const auto& entry : fs::directory_iterator(place)) {
-            if (entry.is_regular_file() && is_temporary_name(entry.path()))
-                found.push_back(examine(entry.path()));
+            if (!entry.is_regular_file() || !is_temporary_name(entry.path())) continue;
+            Leftover leftover = examine(entry.path());
+            const bool whole = leftover.state == Leftover::complete && !leftover.marked;
+            if (whole && is_copy_of_a_neighbour(entry.path())) leftover.state = Leftover::copy;
+            found.push_back(leftover);
         }
     } else if (fs::is_regular_file(place, error)) {
         if (!is_temporary_name(place)) fail(shown + ": is no temporary file of the library's (QZP*.tmp)");

@@ -12,16 +12,19 @@ struct Leftover {
         complete,   // holds a whole document
         unfinished, // its program stopped while it still wrote
         empty,      // nothing was written, or an empty document
+        copy,       // the beginning of another file of the folder: its program stopped while it copied that
         in_use,     // a program has it open
     };
 
     std::filesystem::path path;
     State state;
     unsigned long long size; // of the document
+    bool marked;             // it still ends in the mark of its writing
     std::filesystem::file_time_type written;
 };
 
-/// Those in a folder, or the one file that is named, the latest first. Fails when there is no such place.
+/// Those in a folder, or the one file that is named, the latest first. Whether a named one is a copy is left
+/// to its user. Fails when there is no such place.
 std::vector<Leftover> find_leftovers(const std::filesystem::path& place, const std::string& shown);
 
 /// Gives a leftover document the name of a target in one step. A file that has the name is kept.

@@ -1,8 +1,8 @@
 // Trees in compound files: a storage for each section, a stream for each value.
 #include "kinds.h"
 
-#include "compound_file.h"
 #include "limits.h"
+#include "storage_walk.h"
 #include "tree_copy.h"
 
 namespace tool {
@@ -28,9 +28,17 @@ CQZRef<IXStorage> storage_of(const Address& address, IXStorage& root) {
     return storage;
 }
 
+/// Trees have no end in a file whose damaged directory leads in circles.
+void refuse_circles(const Address& address, IXStorage& storage) {
+    std::error_code ignored;
+    bytes_in(storage, std::filesystem::file_size(address.file, ignored));
+}
+
 CQZRef<IParam> load(const Address& address, const LoadOptions&, Diagnostics& diagnostics) {
     const auto root = open_compound_file(address.file, address.shown, nullptr);
-    const auto live = tree_over(*storage_of(address, *root));
+    const auto storage = storage_of(address, *root);
+    refuse_circles(address, *storage);
+    const auto live = tree_over(*storage);
     return in_memory(*live, [&](const std::string& path, const char* what) {
         diagnostics.warn(address.shown, std::string("ignored: the ") + what + " " + path +
                                             " cannot be read as part of a tree");
@@ -58,6 +66,7 @@ void save(const Address& address, IParam& tree, const SaveOptions& options) {
     {
         const auto storage = make_storage(file.root(), element_path(address.inside).names);
         const auto live = tree_over(*storage);
+        refuse_circles(address, *storage);
         refuse_foreign_contents(address, *live);
         clear_storage(*storage);
         copy_tree(tree, *live, ignore);
