@@ -109,8 +109,14 @@ QZR_API IXStream* new_StreamOnMemory(QZRFC::IProgress* progress);
 ///         answers 1, the size is always 1, lines are empty (answer 1), variants empty. Null without memory.
 QZR_API IXStream* new_EmptyStream();
 
-/// A container of named child storages and streams. Element names are narrow text; they are cut at 511
-/// characters.
+/// A container of named child storages and streams, in the platform's compound-file format. Element names are
+/// narrow text in the system's ANSI code page, cut at 511 characters; the platform takes up to 31, case does
+/// not matter to it, and a storage and a stream cannot have the same name. Everything is opened exclusively:
+/// an element that is open does not open again.
+///
+/// Whatever is opened carries a reference for the caller. A child storage holds its parent. A stream does
+/// not: when its storage goes first, every operation on the stream throws. docs/storage-form.md tells when
+/// changes reach the file.
 class IXStorage : public IQZUnknown {
 public:
     virtual IXStorage* CreateStorage(const char* name) = 0; ///< replaces an element of that name; throws
@@ -121,9 +127,9 @@ public:
     virtual IXStream* CreateStream(const char* name) = 0;   ///< replaces an element; null on failure
     virtual IXStream* OpenStream(const char* name) = 0;     ///< null on failure
     virtual void DestroyStream(const char* name) = 0;       ///< throws (QZOP_REMOVE_ELEMENT)
-    virtual int Commit() = 0;                               ///< makes the changes last
-    virtual CTEnum<const char*>* EnumStreams() = 0;         ///< names of the child streams, with a reference
-    virtual const wchar_t* GetName() = 0;                   ///< the path; it belongs to the storage
+    virtual int Commit() = 0; ///< makes the changes last. @return 0, or the platform's negative result
+    virtual CTEnum<const char*>* EnumStreams() = 0; ///< names of the child streams, with a reference
+    virtual const wchar_t* GetName() = 0;           ///< the path; it belongs to the storage
     virtual ~IXStorage() = default;
 };
 
@@ -145,7 +151,7 @@ QZR_API IXStorage* new_Storage(const wchar_t* path, int mode);
 /// @param mode 0 for reading and writing, transacted; anything else for reading only
 /// @return the root storage with one reference. Throws CXFileException; QZERR_NOT_FOUND when missing.
 ///
-/// A writable storage that is released without Commit is committed all the same.
+/// A writable storage that is released without Commit is committed all the same; that commit fails silently.
 QZR_API IXStorage* open_Storage(const wchar_t* path, int mode);
 
 /// Wraps a platform storage (IStorage*), adding a reference to it. Throws CXFileException.

@@ -1,6 +1,7 @@
 // Opening compound files, and wrapping storages that come from outside.
 #include "qzurl.h"
 #include "stream/ole_storage.h"
+#include "stream/sector_tables.h"
 #include "stream/stg_error.h"
 
 #include <utility>
@@ -11,6 +12,7 @@ namespace {
 
 IXStorage* open_compound_file(const wchar_t* path, int mode) {
     const int storage_mode = mode == 0 ? QZSTORAGE_TRANSACTED : QZSTORAGE_READ_ONLY;
+    if (!has_safe_tables(path)) check_storage(STG_E_DOCFILECORRUPT, QZOP_OPEN, path);
     PlatformStorage opened;
     check_storage(StgOpenStorage(path, nullptr, storage_flags(storage_mode), nullptr, 0, opened.Put()),
                   QZOP_OPEN, path);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -160,6 +161,69 @@ TEST(Storage, EachFailureHasItsCode) {
         EXPECT_EQ(root->OpenStream(name), nullptr) << name;
     EXPECT_EQ(root->CreateStream(long_name.c_str()), nullptr);
     EXPECT_EQ(folder.count(), 3u) << "a failed creation leaves a file behind";
+}
+
+// Some platforms hang on such files, or end the process.
+TEST(Storage, AFileWhoseTablesAreDamagedDoesNotOpen) {
+    const ScratchFolder folder;
+    {
+        const auto root = StorageRef::Adopt(new_Storage(folder.path(L"sound").c_str(), 0));
+        put_stream(*root, "s", pattern(100));
+        put_stream(*root, "t", pattern(5000));
+    }
+    const std::string sound = folder.contents(L"sound");
+    const auto number_at = [&sound](std::size_t at) {
+        unsigned number = 0;
+        std::memcpy(&number, sound.data() + at, sizeof number);
+        return number;
+    };
+    const std::size_t table = (number_at(76) + 1) * 512; // of sectors
+    const std::size_t directory = (number_at(48) + 1) * 512;
+    struct Row {
+        const char* what;
+        std::size_t at;
+        unsigned number;
+    };
+    const Row rows[] = {
+        {"sectors of another size", 30, 0x00060003},
+        {"a sector table larger than the file", 44, 0x7FFFFFFF},
+        {"a sector table behind the end", 76, 0x00FFFFFF},
+        {"one more sector table behind the end", 80, 0x00FFFFFF},
+        {"no directory", 48, 0xFFFFFFFF},
+        {"a directory outside the table", 48, 0x00FFFFFF},
+        {"a directory in a circle", table + number_at(48) * 4, number_at(48)},
+        {"small sectors in a circle", table + number_at(directory + 116) * 4, number_at(directory + 116)},
+        {"a root that is its own child", directory + 76, 0},
+        {"a sibling that is its own", directory + 128 + 68, 1},
+        {"an entry beyond the directory", directory + 128 + 72, 1000},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        std::string damaged = sound;
+        damaged.replace(row.at, sizeof row.number, reinterpret_cast<const char*>(&row.number),
+                        sizeof row.number);
+        const std::wstring path = folder.file(L"damaged", damaged);
+        EXPECT_EQ(thrown_by([&] { open_Storage(path.c_str(), 0); }), "15, 0, " + narrow(path));
+        EXPECT_EQ(thrown_by([&] { open_Storage(path.c_str(), 1); }), "15, 0, " + narrow(path));
+    }
+}
+
+// What lies before the cut is still there.
+TEST(Storage, AFileThatWasCutShortGivesWhatIsLeft) {
+    const ScratchFolder folder;
+    {
+        const auto root = StorageRef::Adopt(new_Storage(folder.path(L"f").c_str(), 0));
+        put_stream(*root, "small", pattern(100));
+        put_stream(*root, "large", pattern(40000)); // fits the first sector of the table
+    }
+    const std::string whole = folder.contents(L"f");
+    const std::wstring path = folder.file(L"cut", whole.substr(0, whole.size() - 10000));
+    const auto root = StorageRef::Adopt(open_Storage(path.c_str(), 1));
+    EXPECT_TRUE(get_stream(*root, "small") == pattern(100));
+    const auto large = StreamRef::Adopt(root->OpenStream("large"));
+    std::string bytes(25000, ' ');
+    EXPECT_EQ(large->Read(bytes.data(), 25000), 25000u);
+    EXPECT_TRUE(bytes == pattern(40000).substr(0, 25000));
 }
 
 TEST(Storage, AFailedTemporaryStorageLeavesNoFile) {
