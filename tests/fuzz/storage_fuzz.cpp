@@ -174,7 +174,7 @@ void watch() {
 } // namespace
 
 int main(int argc, char** argv) {
-    const unsigned rounds = argc > 1 ? static_cast<unsigned>(std::atoi(argv[1])) : 150;
+    const unsigned rounds = argc > 1 ? static_cast<unsigned>(std::atoi(argv[1])) : 80;
     const unsigned first = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
     const ScratchFolder folder;
     const auto sound = sound_files(folder);
