@@ -27,11 +27,19 @@ constexpr unsigned hash_name_folded(std::string_view name) {
 }
 
 // Wide text: units count as unsigned numbers and as they are. Goes on from the hash of what stands before.
+// The multiplications of one unit wait for those of the unit before, so four units are taken at once.
 constexpr unsigned hash_wide(const wchar_t* text, unsigned before = 0) {
+    constexpr unsigned k1 = 257, k2 = k1 * 257, k3 = k2 * 257, k4 = k3 * 257u;
     unsigned hash = before;
-    for (; *text != 0; ++text)
-        hash = hash * 257u + *text;
-    return hash;
+    for (;; text += 4) {
+        if (text[0] == 0) return hash;
+        if (text[1] == 0) return hash * k1 + text[0];
+        if (text[2] == 0) return hash * k2 + text[0] * k1 + text[1];
+        if (text[3] == 0) return hash * k3 + text[0] * k2 + text[1] * k1 + text[2];
+        hash = hash * k4 + (text[0] * k3 + text[1] * k2 + text[2] * k1 + text[3]);
+    }
 }
+static_assert(hash_wide(L"ab", 5) == (5 * 257 + 'a') * 257 + 'b');
+static_assert(hash_wide(L"abcde") == hash_wide(L"cde", hash_wide(L"ab")));
 
 } // namespace qzr

@@ -16,6 +16,9 @@ namespace tool {
 struct Options {
     bool strict = false;
     bool json = false;
+    bool plain = false;     // texts without contexts
+    unsigned code_page = 0; // of a dictionary; 0: its own
+    unsigned language = 0;  // of a new dictionary; 0: none
     ColorChoice color = ColorChoice::automatic;
     ViewOptions view;
     LoadOptions load;
@@ -86,6 +89,14 @@ ExitCode run_file_ls(Invocation& invocation);
 ExitCode run_file_rm(Invocation& invocation);
 ExitCode run_file_mkdir(Invocation& invocation);
 ExitCode run_recover(Invocation& invocation);
+ExitCode run_wld_check(Invocation& invocation);
+ExitCode run_wld_extract(Invocation& invocation);
+ExitCode run_wld_missing(Invocation& invocation);
+ExitCode run_wld_merge(Invocation& invocation);
+ExitCode run_wld_stats(Invocation& invocation);
+ExitCode run_wld_lookup(Invocation& invocation);
+ExitCode run_wld_export(Invocation& invocation);
+ExitCode run_wld_import(Invocation& invocation);
 ExitCode run_help(Invocation& invocation);
 
 } // namespace tool

@@ -6,6 +6,8 @@ namespace tool {
 
 namespace {
 
+constexpr std::size_t kAny = static_cast<std::size_t>(-1); // arguments
+
 constexpr Command kCommands[] = {
     {"show", "TREE [SECTION]", "draws a tree, or a section of it",
      "Each value is shown with its type. Long texts and bytes are shortened unless --full is given.", 1, 2,
@@ -65,8 +67,34 @@ constexpr Command kCommands[] = {
      "Asks for each whether it is to be put back, and under which name. With NAME and --yes it asks nothing, "
      "if there\nis just one. A file of that name is kept beside it.",
      1, 2, "yes", run_recover},
+    {"wld check", "DICTIONARY...", "finds what is wrong with dictionaries",
+     "Prints file, line and reason. The exit code is 1 when there was something.", 1, kAny,
+     "codepage progress", run_wld_check},
+    {"wld extract", "MODULE... DICTIONARY", "writes a new dictionary with the texts of modules",
+     "Sources are the texts of string tables, menus and dialogs behind their contexts, translations the "
+     "texts\nthemselves. The dictionary is in code page 1251, which has the letters that end a context.",
+     2, kAny, "plain language codepage progress", run_wld_extract},
+    {"wld missing", "DICTIONARY MODULE...", "lists the texts of modules that a dictionary lacks",
+     "The exit code is 1 when there are some.", 2, kAny, "codepage progress", run_wld_missing},
+    {"wld merge", "DICTIONARY DICTIONARY...", "adds to the first dictionary what the others have beyond it",
+     "The first dictionary keeps its lines; new pairs follow them.", 2, kAny, "codepage progress",
+     run_wld_merge},
+    {"wld stats", "DICTIONARY", "counts what is in a dictionary", "", 1, 1, "codepage json", run_wld_stats},
+    {"wld lookup", "DICTIONARY TEXT [CONTEXT]", "prints the translation of a text, as programs get it",
+     "The letters that end a context may be left out. The exit code is 1 when there is no entry.", 2, 3, "",
+     run_wld_lookup},
+    {"wld export", "DICTIONARY PO", "writes a dictionary as a gettext PO file",
+     "Texts that are not translated get an empty translation there.", 2, 2, "codepage", run_wld_export},
+    {"wld import", "PO DICTIONARY", "writes a new dictionary from a gettext PO file",
+     "Texts without translation get themselves.", 2, 2, "language codepage", run_wld_import},
     {"help", "[COMMAND]", "says how to use a command", "", 0, 2, "", run_help},
 };
+
+bool set_number(unsigned& number, const std::string& value) {
+    const char* end = value.data() + value.size();
+    const auto result = std::from_chars(value.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end;
+}
 
 bool set_depth(Options& options, const std::string& value) {
     const char* end = value.data() + value.size();
@@ -111,6 +139,12 @@ constexpr Option kOptions[] = {
     {"depth", "N", "show N levels of sections at most (64)", set_depth, false},
     {"color", "WHEN", "always, never, or auto: on a terminal or with CLICOLOR_FORCE, unless NO_COLOR is set",
      set_color, false},
+    {"codepage", "N", "the code page of the dictionary; without it that of its language, or the system's",
+     [](Options& o, const std::string& value) { return set_number(o.code_page, value); }, false},
+    {"language", "N", "the locale identifier that a new dictionary names, as 1036 for French",
+     [](Options& o, const std::string& value) { return set_number(o.language, value); }, false},
+    {"plain", nullptr, "texts alone, each once, without contexts",
+     [](Options& o, const std::string&) { return o.plain = true; }, false},
     {"progress", "WHEN", "show a bar always, never, or auto: on a terminal, when it takes long", set_progress,
      false},
     {"yes", nullptr, "do it without asking", [](Options& o, const std::string&) { return o.yes = true; },

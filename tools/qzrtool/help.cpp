@@ -72,8 +72,8 @@ std::string types_text() {
 }
 
 std::string overview() {
-    std::string text = "qzrtool shows, converts, compares and changes stored parameter trees, and looks into "
-                       "compound files.\n\n";
+    std::string text = "qzrtool shows, converts, compares and changes stored parameter trees, looks into "
+                       "compound files, and works on dictionaries.\n\n";
     for (const Command& command : commands()) {
         text += command_row(command);
     }

@@ -1,0 +1,1 @@
+// A module that has resources and nothing else.
