@@ -73,7 +73,7 @@ void DiskFile::write(std::uint64_t offset, const void* data, unsigned count) {
 // On a disk that fills up the room is what it still takes: as much as fits, or as lies before the mark.
 void DiskFile::make_room(std::uint64_t from, std::uint64_t end) {
     const std::uint64_t step = std::clamp(size_, kLeastStep, kMostRoomStep);
-    const std::uint64_t ahead = round_up(std::max(end, size_ + step), kLeastStep);
+    const std::uint64_t ahead = std::min(round_up(std::max(end, size_ + step), kLeastStep), kMostBytes);
     DWORD error = fill_up_to(from, ahead);
     if (error != ERROR_SUCCESS && size_ < end && mark_end_ != 0)
         error = fill_up_to(from, std::clamp(mark_end_ - sizeof(UnfinishedMark), end, ahead));

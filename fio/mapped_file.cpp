@@ -55,7 +55,10 @@ unsigned CXFile::Read(void* buffer, unsigned count) {
 void CXFile::Write(const void* buffer, unsigned count) {
     if (operation_ != QZOP_WRITE) throw CXFileException(QZERR_ACCESS, operation_, path_.get());
     if (count == 0) return;
-    if (std::uint64_t{position_} + count <= window_.size()) {
+    const std::uint64_t end = std::uint64_t{position_} + count;
+    // Asked first: room made ahead, and with it the view, may reach further.
+    if (end > most_bytes_) throw CXFileException(QZERR_DISK_FULL, operation_, path_.get());
+    if (end <= window_.size()) {
         std::memcpy(window_.data() + position_, buffer, count);
     } else {
         write_beyond_view(buffer, count);
@@ -66,7 +69,6 @@ void CXFile::Write(const void* buffer, unsigned count) {
 
 void CXFile::write_beyond_view(const void* buffer, unsigned count) {
     const std::uint64_t end = std::uint64_t{position_} + count;
-    if (end > most_bytes_) throw CXFileException(QZERR_DISK_FULL, operation_, path_.get());
     if (count >= kDirectWrite) {
         disk_.write(position_, buffer, count);
         return;

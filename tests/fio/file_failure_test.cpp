@@ -179,6 +179,33 @@ TEST(FileFailure, ADiskThatFillsUpIsFilledByByteSizedPieces) {
     EXPECT_EQ(folder.count(), 1u);
 }
 
+// Small pieces go through a view, large ones to the system; both end where the last span of 128 KiB does. The
+// copy to append to is one hole, so that the disk holds it.
+TEST(FileFailure, AFileEndsBefore4GiB) {
+    constexpr static unsigned kMost = 0xFFFE0000;
+    constexpr static unsigned kLeft = 300'000;
+    const ImportMock copy("qzrcore.dll", "CopyFileW",
+                          reinterpret_cast<void*>(+[](const wchar_t*, const wchar_t* to, BOOL) -> BOOL {
+                              const HANDLE file =
+                                  CreateFileW(to, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+                              const LARGE_INTEGER size = {.QuadPart = kMost - kLeft};
+                              SetFilePointerEx(file, size, nullptr, FILE_BEGIN);
+                              SetEndOfFile(file);
+                              return CloseHandle(file);
+                          }));
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document");
+    for (const unsigned piece : {1000u, 5000u}) {
+        SCOPED_TRACE(piece);
+        const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), QZFILE_WRITE | QZFILE_KEEP));
+        const std::string bytes(piece, 'x');
+        for (unsigned done = 0; done < kLeft; done += piece)
+            file->Write(bytes.data(), piece);
+        EXPECT_EQ(failure_of([&] { file->Write(bytes.data(), piece); }).substr(0, 19), "code 3, operation 2");
+        EXPECT_EQ(file->ReadLine(std::string(12, ' ').data(), 10), 0) << "still at the end";
+    }
+}
+
 // Each call of a whole replacement is refused once.
 void refuse_each_call(int mode, bool exists, bool commit) {
     const std::string old = "the old document";
