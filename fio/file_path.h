@@ -1,4 +1,4 @@
-// The path that a file object keeps inside itself.
+// The paths that file objects keep inside themselves.
 #pragma once
 
 #include "core/system_error.h"
@@ -24,6 +24,22 @@ public:
 
 private:
     wchar_t text_[kPathUnits]; // filled up to its terminator
+};
+
+// Where a path leads, whatever becomes of the current directory. A place that does not fit stays as the path
+// was written.
+class FullPath {
+public:
+    // Of a path that fits into kPathUnits.
+    explicit FullPath(const wchar_t* path) noexcept {
+        const DWORD length = GetFullPathNameW(path, kPathUnits, text_, nullptr);
+        if (length == 0 || length >= kPathUnits) std::wcscpy(text_, path);
+    }
+
+    const wchar_t* get() const noexcept { return text_; }
+
+private:
+    wchar_t text_[kPathUnits];
 };
 
 } // namespace qzr

@@ -33,19 +33,24 @@ QZError temp_file_error_code(DWORD error) noexcept {
     }
 }
 
+// Throws CXException.
+FullPath create_beside(const wchar_t* target) {
+    const CXStringW directory = CXStringW(target).FilePath();
+    wchar_t path[kPathUnits] = L"";
+    const DWORD error = make_temp_file(directory.GetSize() != 0 ? directory.GetData() : L".", path);
+    if (error != ERROR_SUCCESS) throw CXException(temp_file_error_code(error));
+    return FullPath(path);
+}
+
 // A temporary file beside the target, deleted in the end unless it was given away.
 class TemporaryFile {
 public:
     // Throws CXException.
-    explicit TemporaryFile(const wchar_t* target) {
-        const CXStringW directory = CXStringW(target).FilePath();
-        const DWORD error = make_temp_file(directory.GetSize() != 0 ? directory.GetData() : L".", path_);
-        if (error != ERROR_SUCCESS) throw CXException(temp_file_error_code(error));
-    }
+    explicit TemporaryFile(const wchar_t* target) : path_(create_beside(target)) {}
     ~TemporaryFile() {
         if (!owned_) return;
         try {
-            Fio_DeleteFile(path_);
+            Fio_DeleteFile(path());
         } catch (const CXException&) {
             // Nobody can be told; it stays behind, marked as unfinished.
         }
@@ -53,11 +58,11 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    const wchar_t* path() const noexcept { return path_; }
+    const wchar_t* path() const noexcept { return path_.get(); }
     void give_away() noexcept { owned_ = false; }
 
 private:
-    wchar_t path_[kPathUnits];
+    const FullPath path_;
     bool owned_ = true;
 };
 
@@ -87,9 +92,11 @@ private:
     void open_inner(int mode);
     void finish_inner();
     bool give_lock_back();
+    void delete_target();
     void rename_to_target(bool target_deleted);
 
-    const FilePath target_;
+    const FilePath target_; // as it was given: its locks go by that, and failures name it so
+    const FullPath place_;  // of the target, for what happens after opening
     TemporaryFile temp_;
     std::unique_ptr<CXFile, Discard> inner_; // on the temporary file; none once a commit began
     bool locked_ = false;                    // a shared lock of the target is ours
@@ -97,7 +104,8 @@ private:
 };
 
 // What was taken is given back when a later step fails: the destructor does not run then.
-CXOutFile::CXOutFile(const wchar_t* target, int mode) : target_(target, QZOP_WRITE), temp_(target_.get()) {
+CXOutFile::CXOutFile(const wchar_t* target, int mode)
+    : target_(target, QZOP_WRITE), place_(target_.get()), temp_(target_.get()) {
     if (Fio_IsWritableFile(target_.get()) == 0) throw CXFileException(QZERR_ACCESS, QZOP_OPEN, target_.get());
     // A temporary file that the system deletes when it is closed could never take the target's place.
     mode = (mode & ~QZFILE_TEMPORARY) | QZFILE_WRITE;
@@ -150,7 +158,7 @@ void CXOutFile::Commit() {
     const PathInUse in_use(target_.get());
     const bool exists = give_lock_back();
     lock_settled_ = true;
-    if (exists) Fio_DeleteFile(target_.get());
+    if (exists) delete_target();
     rename_to_target(exists);
 }
 
@@ -164,16 +172,24 @@ void CXOutFile::finish_inner() {
 // Gives a lock back for a target that exists, even one that came into being meanwhile: counts stop at 0. And
 // our own lock in any case. @return whether the target exists
 bool CXOutFile::give_lock_back() {
-    const bool exists = Fio_IsFileExist(target_.get()) != 0;
+    const bool exists = Fio_IsFileExist(place_.get()) != 0;
     if (exists || locked_) Fio_UnlockFile(target_.get(), false);
     locked_ = false;
     return exists;
 }
 
+void CXOutFile::delete_target() {
+    try {
+        Fio_DeleteFile(place_.get());
+    } catch (const CXFileException& e) {
+        throw CXFileException(e.m_nCode, QZOP_DELETE, target_.get());
+    }
+}
+
 // With the target deleted the temporary file is the document: it stays when it cannot be renamed.
 void CXOutFile::rename_to_target(bool target_deleted) {
     try {
-        Fio_RenameFile(temp_.path(), target_.get());
+        Fio_RenameFile(temp_.path(), place_.get());
     } catch (const CXFileException& e) {
         if (target_deleted) temp_.give_away();
         throw CXFileException(e.m_nCode, QZOP_RENAME, target_.get());

@@ -260,6 +260,36 @@ TEST(FileFailure, EachCallOfAppending) { refuse_each_call(QZFILE_WRITE | QZFILE_
 TEST(FileFailure, EachCallOfCreating) { refuse_each_call(QZFILE_WRITE, false, true); }
 TEST(FileFailure, EachCallOfAbandoning) { refuse_each_call(QZFILE_WRITE | QZFILE_KEEP, true, false); }
 
+// File dialogs change the current directory while a document is written.
+TEST(FileFailure, ATargetStaysWhereItWasWhenTheCurrentDirectoryMoves) {
+    const std::wstring before = std::filesystem::current_path().wstring();
+    for (const bool commit : {true, false}) {
+        for (const wchar_t* const name : {L"document", L"../one/document"}) {
+            SCOPED_TRACE(testing::Message() << (commit ? "commit " : "abandon ") << narrow(name));
+            const ScratchFolder folder;
+            Fio_CreateDirectory(folder.path(L"one").c_str());
+            Fio_CreateDirectory(folder.path(L"two/one").c_str());
+            folder.file(L"one/document", "old");
+            folder.file(L"two/document", "another");
+            Fio_SetCurrentDirectory(folder.path(L"one").c_str());
+            {
+                const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(name, QZFILE_WRITE));
+                EXPECT_STREQ(file->GetName(), name);
+                file->Write("new", 3);
+                Fio_SetCurrentDirectory(folder.path(L"two").c_str());
+                if (commit) {
+                    EXPECT_EQ(failure_of([&] { file->Commit(); }), "");
+                }
+            }
+            EXPECT_EQ(folder.contents(L"one/document"), commit ? "new" : "old");
+            EXPECT_EQ(folder.contents(L"two/document"), "another");
+            EXPECT_TRUE(temporaries(folder.path(L"one")).empty());
+            EXPECT_EQ(Fio_LockCount(name, false), 0);
+            Fio_SetCurrentDirectory(before.c_str());
+        }
+    }
+}
+
 TEST(FileFailure, TheDirectoryDecidesWhatATemporaryFileFailsWith) {
     const ScratchFolder folder;
     const std::wstring path = folder.path(L"document");
