@@ -67,8 +67,11 @@ void CXFile::Write(const void* buffer, unsigned count) {
     size_ = std::max(size_, position_);
 }
 
+// What is written by call shares pages with the view, and the system promises only for local disks that the
+// two agree: the view goes first.
 void CXFile::write_beyond_view(const void* buffer, unsigned count) {
     const std::uint64_t end = std::uint64_t{position_} + count;
+    if (!window_.unmap()) throw_file_error(operation_, path_.get());
     if (count >= kDirectWrite) {
         disk_.write(position_, buffer, count);
         return;
