@@ -14,10 +14,11 @@ DWORD temp_directory(wchar_t (&path)[kPathUnits]) noexcept {
     return length < kPathUnits ? ERROR_SUCCESS : ERROR_FILENAME_EXCED_RANGE;
 }
 
-// The platform's function fills at most MAX_PATH places and refuses directories that leave no room for the
-// name.
+// Not every platform's function keeps to MAX_PATH and refuses directories that leave no room for the name.
 DWORD make_temp_file(const wchar_t* directory, wchar_t (&path)[kPathUnits]) noexcept {
     static_assert(kPathUnits >= MAX_PATH);
+    constexpr std::size_t kNameUnits = sizeof "\\QZPFFFF.tmp";
+    if (std::wcslen(directory) + kNameUnits > kPathUnits) return ERROR_BUFFER_OVERFLOW;
     constexpr UINT kUniqueByTheSystem = 0;
     return GetTempFileNameW(directory, L"QZPR", kUniqueByTheSystem, path) != 0 ? ERROR_SUCCESS : last_error();
 }

@@ -306,6 +306,9 @@ TEST(FileFailure, TheDirectoryDecidesWhatATemporaryFileFailsWith) {
     }
     EXPECT_EQ(failure_of([&] { Fio_OpenOut(folder.path(L"gone\\document").c_str(), QZFILE_WRITE); }),
               "code 7");
+    const std::wstring deep = folder.path() + L'\\' + std::wstring(500 - folder.path().size(), L'd');
+    EXPECT_EQ(failure_of([&] { Fio_OpenOut((deep + L"\\f").c_str(), QZFILE_WRITE); }), "code 2")
+        << "the system is not asked for a name that does not fit";
     EXPECT_EQ(folder.count(), 0u);
 }
 
