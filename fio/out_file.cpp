@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <new>
+#include <string>
 
 namespace qzr {
 
@@ -57,6 +58,18 @@ public:
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    // Makes it a copy of a document. The copy grows under a name that is not one of temporary files: what a
+    // stopped program leaves of it would look like a whole document. Throws CXFileException.
+    void copy_from(const wchar_t* document) const {
+        std::wstring growing = path();
+        growing.back() = L'_';
+        ScopeExit undo([&growing] { DeleteFileW(growing.c_str()); });
+        Fio_CopyFile(document, growing.c_str(), 0);
+        if (MoveFileExW(growing.c_str(), path(), MOVEFILE_REPLACE_EXISTING) == FALSE)
+            throw_file_error(QZOP_COPY, document);
+        undo.dismiss();
+    }
 
     const wchar_t* path() const noexcept { return path_.get(); }
     void give_away() noexcept { owned_ = false; }
@@ -114,7 +127,7 @@ CXOutFile::CXOutFile(const wchar_t* target, int mode)
         open_inner(mode & ~QZFILE_KEEP);
         return;
     }
-    if (keep) Fio_CopyFile(target_.get(), temp_.path(), 0);
+    if (keep) temp_.copy_from(target_.get());
     Fio_LockFile(target_.get(), false);
     ScopeExit unlock([this] { Fio_UnlockFile(target_.get(), false); });
     open_inner(mode);

@@ -26,7 +26,7 @@ std::string added(int mode) {
 bool changes_something(std::string_view function) {
     for (const char* const name :
          {"GetTempFileNameW", "CopyFileW", "CreateFileW", "WriteFile", "CreateFileMappingW", "MapViewOfFile",
-          "UnmapViewOfFile", "FlushFileBuffers", "SetEndOfFile", "DeleteFileW", "MoveFileW"})
+          "UnmapViewOfFile", "FlushFileBuffers", "SetEndOfFile", "DeleteFileW", "MoveFileW", "MoveFileExW"})
         if (function == name) return true;
     return false;
 }
@@ -100,6 +100,24 @@ TEST(CommitSteps, AppendingLeavesTheOldOrTheNewDocument) {
 TEST(CommitSteps, CreatingLeavesNothingOrTheNewDocument) {
     EXPECT_EQ(stop_at_each_step(QZFILE_WRITE, false),
               (std::set<std::string>{"none", "none + unfinished", "none + new", "new"}));
+}
+
+// In the middle of the one step that takes time.
+TEST(CommitSteps, DISABLED_StopsWhileItCopies) {
+    const ImportMock copy("qzrcore.dll", "CopyFileW",
+                          reinterpret_cast<void*>(+[](const wchar_t*, const wchar_t* to, BOOL) -> BOOL {
+                              std::ofstream(std::filesystem::path(to)) << "the old";
+                              return TerminateProcess(GetCurrentProcess(), kStopped);
+                          }));
+    Fio_OpenOut(child_argument().c_str(), QZFILE_WRITE | QZFILE_KEEP);
+}
+
+TEST(CommitSteps, PartOfACopyIsNoDocument) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document", kOld);
+    EXPECT_EQ(ChildProcess("CommitSteps.DISABLED_StopsWhileItCopies", path).exit_code(), kStopped);
+    EXPECT_EQ(folder.contents(L"document"), kOld);
+    EXPECT_EQ(temporaries(folder.path()), std::vector<std::string>{"unfinished"});
 }
 
 } // namespace

@@ -246,6 +246,7 @@ void refuse_each_call(int mode, bool exists, bool commit) {
                 EXPECT_EQ(document, exists ? old : "");
                 EXPECT_TRUE(left.empty() || (refused == "DeleteFileW" && !commit));
             }
+            EXPECT_EQ(folder.count(), left.size() + folder.has(L"document")) << "and no part of a copy";
             EXPECT_EQ(Fio_LockCount(path.c_str(), false), 0);
             ++outcomes[thrown.empty() ? "done" : "thrown"];
         }

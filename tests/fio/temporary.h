@@ -26,11 +26,11 @@ inline std::string file_bytes(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// The temporary files in a folder, as above.
+// The temporary files in a folder, as above. A copy that grows has another name.
 inline std::vector<std::string> temporaries(const std::filesystem::path& folder) {
     std::vector<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().filename().wstring().starts_with(L"QZP"))
+        if (entry.path().filename().wstring().starts_with(L"QZP") && entry.path().extension() == L".tmp")
             found.push_back(told_by_end(file_bytes(entry.path())));
     return found;
 }

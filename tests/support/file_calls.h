@@ -40,6 +40,7 @@ public:
         watch<&CopyFileW>("CopyFileW");
         watch<&DeleteFileW>("DeleteFileW");
         watch<&MoveFileW>("MoveFileW");
+        watch<&MoveFileExW>("MoveFileExW");
     }
     ~FileCalls() {
         mocks_.clear();
