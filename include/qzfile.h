@@ -58,6 +58,7 @@ public:
 
     /// The last Release closes the file, and may throw what closing fails with (QZERR_MEMORY when a view or a
     /// mapping cannot be closed). Nothing is open then any more, and one more Release ends the object.
+    /// Release a file that was written yourself: a CQZRef that goes has nobody to tell, and ends the program.
     virtual ~IXFile() = default;
 };
 
