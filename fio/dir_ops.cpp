@@ -5,6 +5,7 @@
 #include "qzurl.h"
 
 #include <cwchar>
+#include <string_view>
 
 namespace qzr {
 
@@ -15,11 +16,13 @@ constexpr wchar_t kDelimiters[] = L"\\/";
 bool is_delimiter(wchar_t c) { return c == L'\\' || c == L'/'; }
 
 // Where the part of a path begins that can be created: behind the computer and the share of "\\server\share",
-// else at its start.
+// which long paths write as "\\?\UNC\server\share", else at its start.
 const wchar_t* skip_network_root(const wchar_t* path) {
     if (!is_delimiter(path[0]) || !is_delimiter(path[1])) return path;
+    constexpr std::wstring_view kLong = L"\\\\?\\UNC\\";
+    const int components = _wcsnicmp(path, kLong.data(), kLong.size()) == 0 ? 4 : 2;
     const wchar_t* p = path + 2;
-    for (int component = 0; component < 2; ++component) {
+    for (int component = 0; component < components; ++component) {
         p += std::wcscspn(p, kDelimiters);
         if (*p != L'\0') ++p;
     }

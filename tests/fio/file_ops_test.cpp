@@ -109,6 +109,41 @@ TEST(FileOps, CreateDirectoryMakesEveryParent) {
     EXPECT_FALSE(folder.has(L"deep\\er"));
 }
 
+// Nothing exists, and everything can be made.
+TEST(FileOps, CreateDirectoryLeavesOutDrivesComputersAndShares) {
+    static std::string made;
+    const ImportMock find("qzrcore.dll", "FindFirstFileW",
+                          reinterpret_cast<void*>(+[](const wchar_t*, WIN32_FIND_DATAW*) -> HANDLE {
+                              SetLastError(ERROR_FILE_NOT_FOUND);
+                              return INVALID_HANDLE_VALUE;
+                          }));
+    const ImportMock create("qzrcore.dll", "CreateDirectoryW",
+                            reinterpret_cast<void*>(+[](const wchar_t* path, SECURITY_ATTRIBUTES*) -> BOOL {
+                                made += narrow(path) + "|";
+                                return TRUE;
+                            }));
+    const struct {
+        const wchar_t* path;
+        const char* made;
+    } rows[] = {
+        {LR"(C:)", ""},
+        {LR"(C:\)", ""},
+        {LR"(C:\a\)", R"(C:\a|)"},
+        {LR"(C:a)", R"(C:a|)"},
+        {LR"(\\s\h)", ""},
+        {LR"(\\s\h\a\b)", R"(\\s\h\a|\\s\h\a\b|)"},
+        {LR"(//s/h/a)", R"(//s/h/a|)"},
+        {LR"(\\?\C:\a)", R"(\\?\C:\a|)"},
+        {LR"(\\?\unc\s\h\)", ""},
+        {LR"(\\?\UNC\s\h\a\b)", R"(\\?\UNC\s\h\a|\\?\UNC\s\h\a\b|)"},
+    };
+    for (const auto& row : rows) {
+        made.clear();
+        Fio_CreateDirectory(row.path);
+        EXPECT_EQ(made, row.made) << narrow(row.path);
+    }
+}
+
 TEST(FileOps, CreateDirectoryTakesOneThatAppearsMeanwhile) {
     static decltype(CreateDirectoryW)* original;
     const ScratchFolder folder;
