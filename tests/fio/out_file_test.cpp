@@ -122,6 +122,8 @@ TEST(OutFile, SeveralForOneTarget) {
         const OutFile two = open_out(path, QZFILE_WRITE | QZFILE_KEEP);
         const OutFile three = open_out(path);
         EXPECT_EQ(Fio_LockCount(path.c_str(), false), 3);
+        EXPECT_EQ(failure_of([&] { open_out(folder.path(L".\\document")); }), "code 9")
+            << "another spelling is another path, and finds the file locked";
         one->Write("one", 3);
         two->Write("two", 3);
         one->Commit();
