@@ -85,15 +85,11 @@ void DiskFile::mark_unfinished() {
     if (size_ != 0) check(move_mark_behind(size_));
 }
 
-// A large document may be on its way to the disk when the power fails, so its mark is cut off after that, by
-// close(). A small one arrives in one step of the file system; cutting first spares the disk the mark's
-// block.
+// A large document may be on its way to the disk when the power fails, so it keeps its mark until all of it
+// has arrived, and close() cuts that off. A small one is there in no time; cutting first spares the disk the
+// mark's block.
 void DiskFile::settle(std::uint64_t length) {
-    if (length <= kSmallDocument) {
-        check(cut(length));
-    } else if (mark_end_ != 0) {
-        check(put_mark(mark_end_, length));
-    }
+    if (length <= kSmallDocument) check(cut(length));
     if (FlushFileBuffers(handle()) == FALSE) check(last_error());
 }
 
@@ -148,8 +144,8 @@ DWORD DiskFile::put_zeroes(std::uint64_t& from, std::uint64_t to) noexcept {
     return ERROR_SUCCESS;
 }
 
-DWORD DiskFile::put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept {
-    UnfinishedMark mark = {{}, end, whole_size};
+DWORD DiskFile::put_mark(std::uint64_t end) noexcept {
+    UnfinishedMark mark = {{}, end, UnfinishedMark::kNotWhole};
     std::memcpy(mark.name, UnfinishedMark::kName, sizeof mark.name);
     std::uint64_t place = end - sizeof mark;
     return put(place, &mark, sizeof mark);
@@ -161,8 +157,8 @@ DWORD DiskFile::move_mark_behind(std::uint64_t end) noexcept {
     if (!marked_ || end + sizeof(UnfinishedMark) <= mark_end_) return ERROR_SUCCESS;
     const std::uint64_t step = mark_end_ != 0 ? std::clamp(mark_end_, kLeastStep, kMostMarkStep) : 0;
     std::uint64_t next = std::max(needed, mark_end_ + step);
-    DWORD error = put_mark(next, UnfinishedMark::kNotWhole);
-    if (error != ERROR_SUCCESS && next != needed) error = put_mark(next = needed, UnfinishedMark::kNotWhole);
+    DWORD error = put_mark(next);
+    if (error != ERROR_SUCCESS && next != needed) error = put_mark(next = needed);
     std::uint64_t old_mark = mark_end_ - sizeof(UnfinishedMark);
     if (error == ERROR_SUCCESS && mark_end_ != 0) error = put_zeroes(old_mark, mark_end_);
     if (error == ERROR_SUCCESS) mark_end_ = next;

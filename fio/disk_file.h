@@ -47,7 +47,7 @@ private:
     DWORD go_to(std::uint64_t offset) noexcept;
     DWORD put(std::uint64_t& offset, const void* data, std::uint64_t count) noexcept;
     DWORD put_zeroes(std::uint64_t& from, std::uint64_t to) noexcept;
-    DWORD put_mark(std::uint64_t end, std::uint64_t whole_size) noexcept;
+    DWORD put_mark(std::uint64_t end) noexcept;
     DWORD move_mark_behind(std::uint64_t end) noexcept;
     DWORD fill_up_to(std::uint64_t from, std::uint64_t end) noexcept;
     void check(DWORD error) const;

@@ -1,9 +1,8 @@
 // The end of a temporary file that is not yet a whole document.
 //
 // From its first byte on, a temporary file of an output file ends in this record, behind everything else; the
-// commit cuts it off once all data is on the disk. So a temporary file that a stopped program left behind is
-// a whole document when it does not end so, or when its record gives a length: then the length says how much
-// of it the document is. docs/commit.md tells more.
+// commit cuts it off. So a temporary file that a stopped program left behind is a whole document when it does
+// not end so. docs/commit.md tells more.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +15,7 @@ struct UnfinishedMark {
 
     char name[16];            // kName without its terminator
     std::uint64_t end;        // where the record ends, the size of the file: no other place is the mark's
-    std::uint64_t whole_size; // bytes of the document once all of them are in the file, else kNotWhole
+    std::uint64_t whole_size; // kNotWhole; readers take another number for the size of a whole document
 };
 static_assert(sizeof(UnfinishedMark) == 32, "as stored, little-endian");
 

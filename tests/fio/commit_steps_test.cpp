@@ -31,7 +31,7 @@ bool changes_something(std::string_view function) {
     return false;
 }
 
-// The argument is "step mode path".
+// The argument is "step mode path"; step 0 is the one that brings everything to the disk.
 TEST(CommitSteps, DISABLED_Child) {
     const std::wstring argument = child_argument();
     wchar_t* end = nullptr;
@@ -40,7 +40,9 @@ TEST(CommitSteps, DISABLED_Child) {
     const std::wstring path = end + 1;
     long step = 0;
     const FileCalls calls([&](const char* function) -> DWORD {
-        if (changes_something(function) && ++step == stop_at) TerminateProcess(GetCurrentProcess(), kStopped);
+        const bool here = stop_at == 0 ? std::string_view(function) == "FlushFileBuffers"
+                                       : changes_something(function) && ++step == stop_at;
+        if (here) TerminateProcess(GetCurrentProcess(), kStopped);
         return 0;
     });
     const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), mode));
@@ -102,7 +104,16 @@ TEST(CommitSteps, CreatingLeavesNothingOrTheNewDocument) {
               (std::set<std::string>{"none", "none + unfinished", "none + new", "new"}));
 }
 
-// In the middle of the one step that takes time.
+// The mark reaches the disk in any order with the data: no length stands in it before.
+TEST(CommitSteps, ALargeDocumentIsUnfinishedUntilItIsOnTheDisk) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document", kOld);
+    EXPECT_EQ(ChildProcess("CommitSteps.DISABLED_Child", L"0 1 " + path).exit_code(), kStopped);
+    EXPECT_EQ(folder.contents(L"document"), kOld);
+    EXPECT_EQ(temporaries(folder.path()), std::vector<std::string>{"unfinished"});
+}
+
+// In the middle of the copy, which may take long.
 TEST(CommitSteps, DISABLED_StopsWhileItCopies) {
     const ImportMock copy("qzrcore.dll", "CopyFileW",
                           reinterpret_cast<void*>(+[](const wchar_t*, const wchar_t* to, BOOL) -> BOOL {
