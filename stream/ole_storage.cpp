@@ -35,7 +35,13 @@ unsigned CStorage::InternalRelease() {
     return 0;
 }
 
-int CStorage::Commit() { return mode_ != QZSTORAGE_READ_ONLY ? storage_->Commit(STGC_DEFAULT) : S_OK; }
+// Not every platform survives that a child is committed which was removed while it was open.
+int CStorage::Commit() {
+    if (mode_ == QZSTORAGE_READ_ONLY) return S_OK;
+    STATSTG statistics = {};
+    if (storage_->Stat(&statistics, STATFLAG_NONAME) == STG_E_REVERTED) return STG_E_REVERTED;
+    return storage_->Commit(STGC_DEFAULT);
+}
 
 IXStorage* CStorage::GetParent() { return CQZRef<CStorage>(parent_).Detach(); }
 

@@ -305,6 +305,30 @@ TEST(Storage, AStreamIsUselessWhenItsStorageIsGone) {
     EXPECT_STREQ(stream->GetName(), L"s");
 }
 
+// The platform takes it back as well, but may not survive that it is committed then.
+TEST(Storage, AChildThatWasRemovedCommitsNothing) {
+    const std::pair<const char*, void (*)(IXStorage&)> removals[] = {
+        {"destroyed", [](IXStorage& root) { root.DestroyStorage("inner"); }},
+        {"replaced", [](IXStorage& root) { StorageRef::Adopt(root.CreateStorage("inner")); }},
+    };
+    for (const auto& [how, remove] : removals) {
+        for (const int mode : {0, int{QZSTORAGE_TRANSACTED}}) {
+            SCOPED_TRACE(how + std::string(", mode ") + std::to_string(mode));
+            const auto root = StorageRef::Adopt(new_Storage(nullptr, mode));
+            put_stream(*root, "kept", "1");
+            auto inner = StorageRef::Adopt(root->CreateStorage("inner"));
+            auto deep = StorageRef::Adopt(inner->CreateStorage("deep"));
+            remove(*root);
+            EXPECT_EQ(static_cast<HRESULT>(inner->Commit()), STG_E_REVERTED);
+            EXPECT_EQ(thrown_by([&] { inner->EnumStreams(); }), "15");
+            inner.Reset();
+            deep.Reset(); // and its parent with it
+            const std::string layout = layout_of(*root);
+            EXPECT_EQ(layout, how[0] == 'd' ? "kept=1" : "kept=1 inner{}");
+        }
+    }
+}
+
 TEST(Storage, NamesGoThroughTheAnsiCodePage) {
     for (const wchar_t* const name : {L"caf\xE9", L"\x0436\x0443\x043A", L"\x8868\x65E5", L"a/b"}) {
         char bytes[32] = "";
