@@ -111,7 +111,8 @@ TEST_F(Registry, ReadsWhatOthersStored) {
     } rows[] = {
         {REG_SZ, "61 00 62 00", "text 'ab'"}, // without a terminator
         {REG_SZ, "61 00 62 00 00 00 63 00 00 00", "text 'ab'"},
-        {REG_SZ, "61 00", "text ''"}, // a single character, in the code page one byte
+        {REG_SZ, "61 00 62 00 63", "text 'ab'"}, // half a character more
+        {REG_SZ, "61 00", "text ''"},            // a single character, in the code page one byte
         {REG_SZ, "61 00 00 00", "text 'a'"},
         {REG_SZ, "00 00", "text ''"},
         {REG_SZ, "", "text ''"},
