@@ -131,9 +131,9 @@ CTEnum<const char*>* CIniFileParam::EnumSubParams() {
 // --- values --------------------------------------------------------------------------------------------
 
 int CIniFileParam::read(const char* key, tagQZVARIANT& out) const {
-    QZVariantClear(&out);
     Vector<char> text;
     const unsigned size = profile().read(section_.GetData(), key, text);
+    QZVariantClear(&out); // not before: the key may be its text
     return size != 0 && parse_value_text({text.data(), size}, out) ? 1 : 0;
 }
 

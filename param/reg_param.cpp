@@ -81,7 +81,6 @@ void CRegistryParam::DeleteAllSubParams() {
 CTEnum<const char*>* CRegistryParam::EnumSubParams() { return key_.key_names().Detach(); }
 
 int CRegistryParam::GetValue(const char* name, tagQZVARIANT* out) {
-    QZVariantClear(out);
     return read_reg_value(key_, name, *out) ? 1 : 0;
 }
 

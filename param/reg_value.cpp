@@ -99,7 +99,9 @@ void write_reg_value(const RegKey& key, const char* name, const tagQZVARIANT& va
 
 bool read_reg_value(const RegKey& key, const char* name, tagQZVARIANT& value) {
     RegData data;
-    if (!key.read(name, data)) return false;
+    const bool found = key.read(name, data);
+    QZVariantClear(&value);
+    if (!found) return false;
     if (data.type() != REG_SZ) return read_binary(data, value);
     read_text(data, value);
     return true;

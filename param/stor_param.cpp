@@ -113,17 +113,16 @@ CTEnum<const char*>* CIXStorParam::EnumSubParams() { return storage_->EnumStorag
 // --- values --------------------------------------------------------------------------------------------
 
 int CIXStorParam::GetValue(const char* name, tagQZVARIANT* out) {
-    QZVariantClear(out);
     try {
         const ValuePath path(name);
         const Node node = path.has_node ? open_path(path.node, false) : Node::Share(this);
-        if (!node) return 0;
-        const auto stream = StreamRef::Adopt(node->storage_->OpenStream(path.name));
-        return stream ? stream->ReadVariant(out) : 0;
+        const auto stream = StreamRef::Adopt(node ? node->storage_->OpenStream(path.name) : nullptr);
+        if (stream) return stream->ReadVariant(out);
     } catch (const CXException&) {
-        QZVariantClear(out);
-        return 0;
+        // is no value
     }
+    QZVariantClear(out); // not before: the name may be its text
+    return 0;
 }
 
 void CIXStorParam::SetValue(const char* name, const tagQZVARIANT* value) {

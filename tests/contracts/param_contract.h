@@ -121,6 +121,12 @@ TYPED_TEST_P(ParamContract, CopiesValuesInAndOut) {
     one.pszVal[0] = '!';
     this->root->GetValue("v", &two);
     EXPECT_STREQ(two.pszVal, "first");
+
+    constexpr char kName[] = "a name that is on the heap";
+    set_int(*this->root, kName, 5);
+    CQZVariant name_and_value(kName);
+    EXPECT_EQ(this->root->GetValue(name_and_value.pszVal, &name_and_value), 1);
+    EXPECT_TRUE(name_and_value == CQZVariant(5));
 }
 
 TYPED_TEST_P(ParamContract, AnswersZeroForAMissingValue) {
