@@ -110,10 +110,19 @@ void CIniFileParam::DeleteSubParam(const char* name) {
     if (const CQZRef<CIniFileParam> child = open(name)) child->Clear();
 }
 
+// A list that was cut is asked for again as long as children go away.
 void CIniFileParam::DeleteAllSubParams() {
-    const NameEnum names = enum_children(*this);
-    while (const char* const name = next_name(names))
-        DeleteSubParam(name);
+    for (bool more = true; more;) {
+        more = false;
+        const bool cut = profile().sections().cut();
+        const NameEnum names = enum_children(*this);
+        while (const char* const name = next_name(names)) {
+            const CQZRef<CIniFileParam> child = open(name);
+            if (!child) continue;
+            child->Clear();
+            more = more || (cut && profile().keys(child->section_.GetData()).empty());
+        }
+    }
 }
 
 CTEnum<const char*>* CIniFileParam::EnumSubParams() {
@@ -167,10 +176,18 @@ void CIniFileParam::DeleteValue(const char* name) {
     profile().remove_key(section_.GetData(), value_name(name));
 }
 
+// A list that was cut is asked for again as long as it begins with another key.
 void CIniFileParam::DeleteAllValues() {
-    ProfileNames keys = profile().keys(section_.GetData());
-    while (const char* const key = keys.next())
-        DeleteValue(key);
+    HeapText first_before;
+    for (bool more = true; more;) {
+        ProfileNames keys = profile().keys(section_.GetData());
+        const char* key = keys.next();
+        if (key == nullptr || first_before == key) break;
+        first_before = key;
+        for (; key != nullptr; key = keys.next())
+            DeleteValue(key);
+        more = keys.cut();
+    }
     profile().write(section_.GetData(), kMark, kEmptyText);
 }
 
@@ -183,7 +200,8 @@ CTEnum<const char*>* CIniFileParam::EnumValues() {
 }
 
 // Sections of others, whose names do not begin with "\", stay. A list that was cut is asked for again as long
-// as sections go away.
+// as sections go away. The node's own section goes in any case: it may stand behind the cut, or be listed
+// with another spelling that only the platform takes for the same.
 void CIniFileParam::Clear() {
     const SectionPlace place(section_.GetData());
     bool more = true;
@@ -196,6 +214,7 @@ void CIniFileParam::Clear() {
             more = more || (sections.cut() && profile().keys(section).empty());
         }
     }
+    profile().remove_section(section_.GetData());
 }
 
 } // namespace qzr

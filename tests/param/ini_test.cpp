@@ -368,7 +368,14 @@ TEST_F(IniScale, CutsListsAt64000Bytes) {
     EXPECT_EQ(values[38], "k138" + tail);
     EXPECT_EQ(values[39].substr(0, 1000), ("k139" + tail).substr(0, 1000));
     EXPECT_EQ(take_names(root->EnumSubParams()).size(), 40u);
-    root->Clear();
+    const std::string last = "159" + tail; // is not listed
+    root->DeleteSubParam(last.c_str());
+    EXPECT_FALSE(Tree::Adopt(root->OpenSubParam(last.c_str(), 0)));
+    root->DeleteAllValues();
+    EXPECT_EQ(take_names(root->EnumValues()), Names{"@"});
+    root->DeleteAllSubParams();
+    EXPECT_EQ(contents(), "[\\]\r\n@=e\r\n");
+    tree_on(text)->Clear();
     EXPECT_EQ(contents(), "");
 }
 
