@@ -62,8 +62,9 @@ unsigned CIniFileParam::InternalRelease() {
     return 0;
 }
 
-// A list that was cut does not tell.
+// A list that was cut does not tell, and one that was refused would let the mark replace a default value.
 void CIniFileParam::mark_unless_in(ProfileNames keys) const {
+    if (keys.refused()) return;
     const Profile file = profile();
     Vector<char> text;
     if (keys.cut() && file.read(section_.GetData(), kMark, text) != 0) return;

@@ -21,6 +21,8 @@ bool fits(const char* text) {
     return MultiByteToWideChar(CP_ACP, 0, text, static_cast<int>(size), nullptr, 0) <= kMostCharacters;
 }
 
+bool refused(DWORD error) { return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION; }
+
 } // namespace
 
 const char* ProfileNames::next() noexcept {
@@ -43,8 +45,9 @@ unsigned Profile::read(const char* section, const char* key, Vector<char>& text)
 
 ProfileNames Profile::list(const char* section) const {
     Vector<char> names;
+    SetLastError(ERROR_SUCCESS);
     const unsigned size = read(section, nullptr, names);
-    return {std::move(names), size};
+    return {std::move(names), size, size == 0 && refused(GetLastError())};
 }
 
 void Profile::write(const char* section, const char* key, const char* text) const noexcept {

@@ -18,14 +18,17 @@ public:
 
     bool empty() const noexcept { return end_ == 0; }
     bool cut() const noexcept { return end_ + 2 >= kProfileRoom; } // there may be more
+    bool refused() const noexcept { return refused_; }             // another program has the file to itself
 
 private:
     friend class Profile;
-    ProfileNames(Vector<char> bytes, unsigned end) : bytes_(std::move(bytes)), end_(end) {}
+    ProfileNames(Vector<char> bytes, unsigned end, bool refused)
+        : bytes_(std::move(bytes)), end_(end), refused_(refused) {}
 
     Vector<char> bytes_; // ends with a zero
     unsigned at_ = 0;
     unsigned end_;
+    bool refused_;
 };
 
 // A file of sections, which hold keys, which have texts. Names match without regard to case. Functions that

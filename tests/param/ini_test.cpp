@@ -392,6 +392,29 @@ TEST_F(Ini, BelievesNoCountOfThePlatform) {
     EXPECT_EQ(take_names(root->EnumValues()), Names{std::string(63999, 'i')});
 }
 
+int refusals = 0;
+DWORD WINAPI refused_at_first(const char* section, const char* key, const char* otherwise, char* buffer,
+                              DWORD size, const char* file) {
+    if (refusals == 0) return GetPrivateProfileStringA(section, key, otherwise, buffer, size, file);
+    --refusals;
+    SetLastError(ERROR_SHARING_VIOLATION);
+    return 0;
+}
+
+// Another program has the file to itself for a moment.
+TEST_F(Ini, MarksNothingThatItCouldNotRead) {
+    const std::string before = "[\\]\r\n@=i7\r\n[\\s]\r\n@=i8\r\n";
+    const Tree root = tree_on(before);
+    const ImportMock mock("qzrcore.dll", "GetPrivateProfileStringA",
+                          reinterpret_cast<void*>(&refused_at_first));
+    refusals = 1;
+    open_ini(path_);
+    refusals = 2; // of opening, and of creating what did not open
+    EXPECT_TRUE(Tree::Adopt(root->OpenSubParam("s", 1)));
+    EXPECT_EQ(refusals, 0);
+    EXPECT_EQ(contents(), before);
+}
+
 TEST_F(Ini, GoesOnWhenNothingCanBeWritten) {
     const std::string before = "[\\]\r\n@=e\r\nv=i1\r\n[\\s]\r\nw=i2\r\n";
     const Tree root = tree_on(before);
