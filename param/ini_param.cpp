@@ -6,7 +6,6 @@
 #include "param/tree_walk.h"
 #include "param/value_text.h"
 #include "qzfile.h"
-#include "string/code_page.h"
 #include "variant/text.h"
 
 #include <cstring>
@@ -221,8 +220,7 @@ void CIniFileParam::Clear() {
 } // namespace qzr
 
 extern "C" IParam* new_IParamIniFile(const wchar_t* fileName) {
-    CXString file;
-    qzr::wide_to_narrow(qzr::or_empty(fileName), file);
+    const CXString file = qzr::profile_name(qzr::or_empty(fileName));
     CQZRef<qzr::CIniFileParam> root;
     try {
         root = CQZRef<qzr::CIniFileParam>::Adopt(new qzr::CIniFileParam(file));

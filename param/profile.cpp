@@ -1,9 +1,11 @@
 #include "param/profile.h"
 
 #include "core/windows_lean.h"
+#include "qzexception.h"
 #include "string/scan.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace qzr {
 
@@ -24,6 +26,17 @@ bool fits(const char* text) {
 bool refused(DWORD error) { return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION; }
 
 } // namespace
+
+CXString profile_name(const wchar_t* file) {
+    const DWORD flags = GetACP() != CP_UTF8 ? WC_NO_BEST_FIT_CHARS : 0; // which lacks nothing
+    constexpr std::size_t kMostBytes = 4;                               // of a character
+    const std::size_t units = text_length(file) + 1;
+    if (units > INT_MAX / kMostBytes) throw CXMemException();
+    Vector<char> name(units * kMostBytes);
+    WideCharToMultiByte(CP_ACP, flags, file, static_cast<int>(units), name.data(),
+                        static_cast<int>(name.size()), nullptr, nullptr);
+    return CXString(name.data());
+}
 
 const char* ProfileNames::next() noexcept {
     while (at_ < end_) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/allocator.h"
+#include "qzstring.h"
 
 namespace qzr {
 
@@ -30,6 +31,10 @@ private:
     unsigned end_;
     bool refused_;
 };
+
+// The narrow name of a file. What the system's code page lacks becomes a "?", which no file's name holds: a
+// similar letter could make it the name of another file. Throws CXMemException.
+CXString profile_name(const wchar_t* file);
 
 // A file of sections, which hold keys, which have texts. Names match without regard to case. Functions that
 // read throw CXMemException.

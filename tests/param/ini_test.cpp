@@ -415,6 +415,15 @@ TEST_F(Ini, MarksNothingThatItCouldNotRead) {
     EXPECT_EQ(contents(), before);
 }
 
+// With the next best letter the name would be that of another file.
+TEST_F(Ini, TakesNoOtherFileForItsOwn) {
+    folder_.file(L"a.ini", "x=1\r\n");
+    const Tree root = open_ini(folder_.path(L"\x0101.ini"));
+    set_int(*root, "v", 1);
+    root->Clear();
+    EXPECT_EQ(folder_.contents(L"a.ini"), "x=1\r\n");
+}
+
 TEST_F(Ini, GoesOnWhenNothingCanBeWritten) {
     const std::string before = "[\\]\r\n@=e\r\nv=i1\r\n[\\s]\r\nw=i2\r\n";
     const Tree root = tree_on(before);
