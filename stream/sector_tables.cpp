@@ -152,9 +152,11 @@ private:
         return true;
     }
 
-    // The bytes of a stream or, in the root, the small sectors of all.
+    // The bytes of a stream or, in the root, the small sectors of all. The high half of a size means
+    // something with large sectors only: old software left there whatever it had.
     bool has_safe_chain(const unsigned char* entry, bool root) const {
-        const unsigned first = dword(entry + 116), size = dword(entry + 120), size_high = dword(entry + 124);
+        const unsigned first = dword(entry + 116), size = dword(entry + 120);
+        const unsigned size_high = shift_ == 9 ? 0 : dword(entry + 124);
         if (size == 0 && size_high == 0) return true;
         const bool small = !root && size < kSmallLimit;
         if (small && !small_chain_ends(small_table_, first)) return false;

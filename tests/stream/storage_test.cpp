@@ -208,6 +208,18 @@ TEST(Storage, AFileWhoseTablesAreDamagedDoesNotOpen) {
     }
 }
 
+// With sectors of 512 bytes the high half of a stream's size is nothing.
+TEST(Storage, ASizeWithGarbageAboveItOpens) {
+    const ScratchFolder folder;
+    put_stream(*StorageRef::Adopt(new_Storage(folder.path(L"f").c_str(), 0)), "s", pattern(100));
+    std::string bytes = folder.contents(L"f");
+    unsigned directory = 0;
+    std::memcpy(&directory, bytes.data() + 48, sizeof directory);
+    bytes.replace((directory + 1) * 512 + 128 + 124, 4, "\x12\x34\x56\x78");
+    const std::wstring path = folder.file(L"garbage", bytes);
+    EXPECT_TRUE(get_stream(*StorageRef::Adopt(open_Storage(path.c_str(), 1)), "s") == pattern(100));
+}
+
 // What lies before the cut is still there.
 TEST(Storage, AFileThatWasCutShortGivesWhatIsLeft) {
     const ScratchFolder folder;
