@@ -120,6 +120,11 @@ make_prefix() {
     set_registry 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' Auto REG_SZ 1
     set_registry 'HKCU\Software\Wine\WineDbg' ShowCrashDialog REG_DWORD 0
     set_registry 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ N
+    # The services that were started while the prefix was made may not answer: every first window would wait ten
+    # seconds for them.
+    "$QZR_WINESERVER" -k || true
+    "$QZR_WINESERVER" -w || true
+    start_server
     touch "$WINEPREFIX/.complete"
 }
 
