@@ -113,6 +113,7 @@ set_registry() { "$QZR_WINE" reg add "$1" /v "$2" /t "$3" /d "$4" /f 9>&- </dev/
 # A new prefix. A crash asks nobody: with Auto 0 it would open a message box, with 1 it starts the
 # debugger, which the environment above switches off. Windows wait for no window manager.
 make_prefix() {
+    local outer_display=${DISPLAY:-}
     mkdir -p "$WINEPREFIX"
     start_server
     timeout 120 "$QZR_WINE" wineboot -i 9>&- </dev/null >"$(log_file wineprefix)" 2>&1 ||
@@ -124,6 +125,7 @@ make_prefix() {
     # seconds for them.
     "$QZR_WINESERVER" -k || true
     "$QZR_WINESERVER" -w || true
+    DISPLAY=$outer_display # the display that was started here ends with its server
     start_server
     touch "$WINEPREFIX/.complete"
 }

@@ -129,7 +129,7 @@ class Storage(ProgramTest):
         self.write("a.qzc", bytes(data))
         for arguments in (["storage", "check", "a.qzc"], ["storage", "extract", "a.qzc", "out"], ["show", "a.qzc"]):
             with self.subTest(arguments=arguments):
-                self.assertIn("leads in circles", self.tool(*arguments, code=TROUBLE).err)
+                self.assertIn("a damaged one", self.tool(*arguments, code=TROUBLE).err)
         self.assertEqual(self.files(), ["a.qzc"])
 
     def test_a_bar_shows_the_progress(self):
