@@ -45,7 +45,7 @@ void CIXDocStream::keep_object(const char* key, CQZRef<IQZUnknown> object) {
     made->key = CXString(key);
     made->object = std::move(object);
     objects_.insert(made.get(), hash);
-    made.release();
+    static_cast<void>(made.release());
 }
 
 IQZUnknown* CIXDocStream::kept_object(const char* key) const {

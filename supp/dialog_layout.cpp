@@ -79,7 +79,7 @@ void DialogLayout::add(unsigned item, const RECT& rect) {
     BlockPtr<ItemRect> added(block_new<ItemRect>());
     added->rect = rect;
     rects_.insert(added.get(), item);
-    added.release();
+    static_cast<void>(added.release());
 }
 
 DialogLayouts::~DialogLayouts() { dialogs_.take_all(block_delete<DialogLayout>); }
