@@ -1,5 +1,6 @@
 #include "param/profile.h"
 
+#include "core/system_error.h"
 #include "core/windows_lean.h"
 #include "qzexception.h"
 #include "string/scan.h"
@@ -60,7 +61,7 @@ ProfileNames Profile::list(const char* section) const {
     Vector<char> names;
     SetLastError(ERROR_SUCCESS);
     const unsigned size = read(section, nullptr, names);
-    return {std::move(names), size, size == 0 && refused(GetLastError())};
+    return {std::move(names), size, size == 0 && refused(last_error())};
 }
 
 void Profile::write(const char* section, const char* key, const char* text) const noexcept {
