@@ -4,6 +4,7 @@ import random
 import signal
 import subprocess
 import tempfile
+import time
 
 from support import CANCELLED, NO, OK, TROUBLE, ProgramTest
 
@@ -154,6 +155,7 @@ class Storage(ProgramTest):
             if b"writing" in shown:
                 break
         process.send_signal(signal.SIGINT)
+        time.sleep(1)  # the handler runs on a thread of its own, and the tool must not be done before
         _, err = process.communicate(b"new" * 50000, timeout=60)
         self.assertEqual(process.returncode, CANCELLED, err)
         self.assertTrue(err.endswith(b"qzrtool: cancelled\n"), err)
