@@ -44,6 +44,7 @@ protected:
 };
 
 // One function a file.
+void dictionary_rows(Ledger& ledger);
 void heap_rows(Ledger& ledger);
 void object_rows(Ledger& ledger);
 void stream_rows(Ledger& ledger);

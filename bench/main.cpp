@@ -82,6 +82,7 @@ int main(int argc, char** argv) {
     bench::tree_rows(rows);
     bench::tree_form_rows(rows);
     bench::object_rows(rows);
+    bench::dictionary_rows(rows);
 
     if (argc > 1 && std::strcmp(argv[1], "--memory") == 0) return measure_memory(rows, argc, argv);
     if (!check(rows)) return 1;

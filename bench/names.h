@@ -9,24 +9,31 @@
 
 namespace bench {
 
-/// Different names, whose hashes differ as well: the library's maps match by hash alone, and among 200,000
-/// names of any make some would collide and overwrite each other. Applications have fewer names, or check as
-/// this does.
-inline std::vector<std::string> entry_names(unsigned count) {
-    std::vector<std::string> names;
+/// What `make` makes of its number and eight random letters, so many times. The hashes of all differ: the
+/// library's maps match by hash alone, and among 200,000 texts of any make some would collide and overwrite
+/// each other. Applications have fewer, or check as this does.
+template <class Make>
+std::vector<std::string> texts_of_different_hashes(unsigned count, Make make) {
+    std::vector<std::string> texts;
     std::unordered_set<unsigned> hashes;
     std::minstd_rand random(1);
-    names.reserve(count);
-    while (names.size() < count) {
-        std::string name = "entry.";
+    texts.reserve(count);
+    while (texts.size() < count) {
+        std::string letters;
         unsigned hash = 0;
         for (int letter = 0; letter < 8; ++letter)
-            name += static_cast<char>('a' + random() % 26);
-        for (const char c : name)
+            letters += static_cast<char>('a' + random() % 26);
+        std::string text = make(texts.size(), letters);
+        for (const char c : text)
             hash = hash * 257 + static_cast<unsigned char>(c);
-        if (hashes.insert(hash).second) names.push_back(name);
+        if (hashes.insert(hash).second) texts.push_back(std::move(text));
     }
-    return names;
+    return texts;
+}
+
+inline std::vector<std::string> entry_names(unsigned count) {
+    return texts_of_different_hashes(
+        count, [](std::size_t, const std::string& letters) { return "entry." + letters; });
 }
 
 /// The numbers below count in an order that is random and always the same.
