@@ -15,13 +15,14 @@ die() {
 # bootstrap GROUP...: see scripts/bootstrap.
 bootstrap() { "$QZR_ROOT/scripts/bootstrap" "$@"; }
 
-# configure_and_build PRESET [TARGET...]
+# configure_and_build PRESET [TARGET...]; configure_options go to CMake as they are.
+configure_options=()
 configure_and_build() {
     local preset=$1
     shift
     (
         cd "$QZR_ROOT"
-        cmake --preset "$preset" >"$(log_file "configure-$preset")" 2>&1 ||
+        cmake --preset "$preset" "${configure_options[@]}" >"$(log_file "configure-$preset")" 2>&1 ||
             { cat "$(log_file "configure-$preset")"; exit 1; }
         cmake --build --preset "$preset" -j "$QZR_JOBS" ${1:+--target "$@"}
     ) || die "building preset $preset failed"
