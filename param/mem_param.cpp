@@ -1,6 +1,8 @@
 #include "param/mem_param.h"
 
 #include "core/allocator.h"
+#include "core/scope_exit.h"
+#include "param/packed_value.h"
 #include "variant/record.h"
 
 #include <utility>
@@ -10,15 +12,9 @@ namespace qzr {
 namespace {
 
 // The list, which is made when it is wanted for the first time.
-template <class Entry>
 NameList& wanted(CQZRef<NameList>& list) {
-    if (!list) list = CQZRef<NameList>::Adopt(NameList::make(sizeof(Entry)));
+    if (!list) list = CQZRef<NameList>::Adopt(NameList::make());
     return *list;
-}
-
-// An object that throws while it is released does not keep the others from being released.
-void drop(tagQZVARIANT& value) {
-    if (owns_something(value)) CQZVariant().Attach(value);
 }
 
 } // namespace
@@ -52,11 +48,9 @@ void CMemParam::destroy(CMemParam* dying) noexcept {
 
 void CMemParam::release_children(CMemParam*& dying) noexcept {
     if (!children_) return;
-    const CQZRef<NameList> list = children_;
-    for (NameEntry* entry = list->take_all(); entry != nullptr;) {
-        NameEntry* const left = std::exchange(entry, entry->following());
-        CMemParam* const child = std::exchange(static_cast<ChildEntry*>(left)->child, nullptr);
-        list->discard(left);
+    NameSlots taken = children_->take_all();
+    for (unsigned at = 0; at < taken.size(); ++at) {
+        CMemParam* const child = taken[at].value.pointer<CMemParam>(); // null in an orphan
         if (child == nullptr || --child->m_cRef != 0) continue;
         child->next_dying_ = dying;
         dying = child;
@@ -65,26 +59,27 @@ void CMemParam::release_children(CMemParam*& dying) noexcept {
 
 // --- children ------------------------------------------------------------------------------------------
 
-CMemParam::ChildEntry* CMemParam::find_child(unsigned hash) const noexcept {
-    return children_ ? static_cast<ChildEntry*>(children_->find(hash)) : nullptr;
+CMemParam* CMemParam::find_child(unsigned hash) const noexcept {
+    const NameEntry* const entry = children_ ? children_->find(hash) : nullptr;
+    return entry != nullptr ? entry->value.pointer<CMemParam>() : nullptr;
 }
 
 CMemParam* CMemParam::add_child(const PathPart& name) {
     CQZRef<CMemParam> made = CQZRef<CMemParam>::Adopt(make());
     if (!made) return nullptr;
-    auto* const entry = wanted<ChildEntry>(children_).append<ChildEntry>(name.text(), name.hash);
-    return entry->child = made.Detach();
+    wanted(children_).append(name.text(), name.hash).value = PackedValue::of_pointer(made.Get());
+    return made.Detach();
 }
 
 CQZRef<CMemParam> CMemParam::create_path(const char* path, const char* stop) {
     CMemParam* node = this;
     for (PathPart part = first_part(path);; part = first_part(part.rest())) {
         const bool last = part.last() || part.end == stop;
-        const ChildEntry* const entry = node->find_child(part.hash);
-        CMemParam* const child = entry != nullptr ? entry->child : node->add_child(part);
+        CMemParam* const found = node->find_child(part.hash);
+        CMemParam* const child = found != nullptr ? found : node->add_child(part);
         if (last) {
             CQZRef<CMemParam> result = CQZRef<CMemParam>::Share(child);
-            if (entry != nullptr) child->Clear();
+            if (found != nullptr) child->Clear();
             return result;
         }
         if (child == nullptr) return nullptr;
@@ -98,13 +93,13 @@ CQZRef<CMemParam> CMemParam::open_path(const char* path, const char* stop, bool 
     CMemParam* node = this;
     for (PathPart part = first_part(path);; part = first_part(part.rest())) {
         const bool last = part.last() || part.end == stop;
-        const ChildEntry* const entry = node->find_child(part.hash);
-        if (entry == nullptr) {
+        CMemParam* const child = node->find_child(part.hash);
+        if (child == nullptr) {
             if (!create) return nullptr;
             return node->create_path(last ? part.begin : part.rest(), stop);
         }
-        if (last) return CQZRef<CMemParam>::Share(entry->child);
-        node = entry->child;
+        if (last) return CQZRef<CMemParam>::Share(child);
+        node = child;
     }
 }
 
@@ -118,16 +113,13 @@ IParam* CMemParam::OpenSubParam(const char* name, int create) {
 
 void CMemParam::DeleteSubParam(const char* name) {
     if (!children_) return;
-    const CQZRef<NameList> list = children_;
     const PathPart part = whole_name(child_name(name));
-    ChildEntry* const entry = find_child(part.hash);
-    if (entry == nullptr) {
-        list->discard(list->remove_orphan(part.begin));
+    PackedValue leaving;
+    if (!children_->remove(part.hash, part.begin, leaving)) {
+        children_->remove_orphan(part.begin);
         return;
     }
-    NameEntry* const leaving = list->remove(entry, part.begin);
-    const CQZRef<CMemParam> child = CQZRef<CMemParam>::Adopt(std::exchange(entry->child, nullptr));
-    list->discard(leaving);
+    const CQZRef<CMemParam> child = CQZRef<CMemParam>::Adopt(leaving.pointer<CMemParam>());
     child->Clear(); // for those who still hold it
 }
 
@@ -137,26 +129,29 @@ void CMemParam::DeleteAllSubParams() {
     destroy(dying);
 }
 
-CTEnum<const char*>* CMemParam::EnumSubParams() { return wanted<ChildEntry>(children_).enumerate(); }
+CTEnum<const char*>* CMemParam::EnumSubParams() { return wanted(children_).enumerate(); }
 
 // --- values --------------------------------------------------------------------------------------------
 
-CMemParam::ValueEntry* CMemParam::find_value(unsigned hash) const noexcept {
-    return values_ ? static_cast<ValueEntry*>(values_->find(hash)) : nullptr;
+NameEntry* CMemParam::find_value(unsigned hash) const noexcept {
+    return values_ ? values_->find(hash) : nullptr;
 }
 
 int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
     const CMemParam* node = this;
     PathPart part = first_part(value_name(name));
     for (; !part.last(); part = first_part(part.rest())) {
-        const ChildEntry* const entry = node->find_child(part.hash);
-        if (entry == nullptr) return 0;
-        node = entry->child;
+        node = node->find_child(part.hash);
+        if (node == nullptr) return 0;
     }
     if (part.empty()) part = whole_name(value_name(nullptr));
-    const ValueEntry* const entry = node->find_value(part.hash);
+    const NameEntry* const entry = node->find_value(part.hash);
     if (entry == nullptr) return 0;
-    QZVariantCopy(out, &entry->value);
+    const tagQZVARIANT value = borrowed(entry->value);
+    if (owns_something(value))
+        QZVariantCopy(out, &value);
+    else
+        replace_value(*out, value);
     return 1;
 }
 
@@ -165,9 +160,9 @@ void CMemParam::SetValue(const char* name, const tagQZVARIANT* value) {
     CMemParam* node = this;
     PathPart part = first_part(value_name(name));
     while (!part.last()) {
-        const ChildEntry* const entry = node->find_child(part.hash);
-        if (entry != nullptr) {
-            node = entry->child;
+        CMemParam* const child = node->find_child(part.hash);
+        if (child != nullptr) {
+            node = child;
             part = first_part(part.rest());
             continue;
         }
@@ -181,35 +176,33 @@ void CMemParam::SetValue(const char* name, const tagQZVARIANT* value) {
     node->store(part, *value);
 }
 
+// The copy is made first, so that afterwards nothing is left half done. What was there goes last: its object
+// may call back.
 void CMemParam::store(const PathPart& name, const tagQZVARIANT& value) {
-    CQZVariant copy(value); // made first: afterwards nothing is left half done
-    ValueEntry* entry = find_value(name.hash);
-    if (entry == nullptr) entry = wanted<ValueEntry>(values_).append<ValueEntry>(name.text(), name.hash);
-    replace_value(entry->value, copy.Detach());
+    PackedValue packed = pack(value);
+    ScopeExit undo([&] { drop(packed); });
+    NameEntry* entry = find_value(name.hash);
+    if (entry == nullptr) entry = &wanted(values_).append(name.text(), name.hash);
+    undo.dismiss();
+    std::swap(entry->value, packed);
+    release(packed);
 }
 
 void CMemParam::DeleteValue(const char* name) {
+    if (!values_) return;
     const PathPart part = whole_name(value_name(name));
-    ValueEntry* const entry = find_value(part.hash);
-    if (entry == nullptr) return;
-    const CQZRef<NameList> list = values_;
-    NameEntry* const leaving = list->remove(entry, part.begin);
-    CQZVariant old; // goes last: its object may call back
-    old.Attach(entry->value);
-    list->discard(leaving);
+    PackedValue leaving;
+    if (values_->remove(part.hash, part.begin, leaving)) drop(leaving); // whose object may call back
 }
 
 void CMemParam::DeleteAllValues() {
     if (!values_) return;
-    const CQZRef<NameList> list = values_;
-    for (NameEntry* entry = list->take_all(); entry != nullptr;) {
-        NameEntry* const left = std::exchange(entry, entry->following());
-        drop(static_cast<ValueEntry*>(left)->value);
-        list->discard(left);
-    }
+    NameSlots taken = values_->take_all();
+    for (unsigned at = 0; at < taken.size(); ++at)
+        drop(taken[at].value);
 }
 
-CTEnum<const char*>* CMemParam::EnumValues() { return wanted<ValueEntry>(values_).enumerate(); }
+CTEnum<const char*>* CMemParam::EnumValues() { return wanted(values_).enumerate(); }
 
 void CMemParam::Clear() {
     DeleteAllValues();

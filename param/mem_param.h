@@ -31,18 +31,11 @@ public:
     unsigned InternalRelease() override;
 
 private:
-    struct ValueEntry : NameEntry {
-        tagQZVARIANT value; // owned
-    };
-    struct ChildEntry : NameEntry {
-        CMemParam* child; // one reference owned; null in an orphan
-    };
-
     CMemParam() = default;
     ~CMemParam() override = default; // emptied by destroy()
 
-    ValueEntry* find_value(unsigned hash) const noexcept;
-    ChildEntry* find_child(unsigned hash) const noexcept;
+    NameEntry* find_value(unsigned hash) const noexcept;
+    CMemParam* find_child(unsigned hash) const noexcept; // borrowed; null when there is none
     void store(const PathPart& name, const tagQZVARIANT& value);
 
     // Paths up to stop, which is a "\" of the path or null for its end.
@@ -53,8 +46,8 @@ private:
     void release_children(CMemParam*& dying) noexcept;
     static void destroy(CMemParam* dying) noexcept;
 
-    CQZRef<NameList> values_;         // of ValueEntry; null in a node that never had one
-    CQZRef<NameList> children_;       // of ChildEntry; the same
+    CQZRef<NameList> values_;         // null in a node that never had one
+    CQZRef<NameList> children_;       // the same; of pointers with one reference each
     CMemParam* next_dying_ = nullptr; // links nodes without references that wait for destroy()
 };
 

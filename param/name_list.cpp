@@ -9,7 +9,7 @@
 
 namespace qzr {
 
-// Remembers the name handed out last; what comes next is decided when it is asked for.
+// Remembers where it is; what comes next is decided when it is asked for.
 class NameList::Walk final : public CQZUnknownImpl<CTEnum<const char*>> {
 public:
     explicit Walk(NameList& list) : list_(CQZRef<NameList>::Share(&list)) { list.add_walk(this); }
@@ -18,44 +18,39 @@ public:
     int Next(int count, const char** items, unsigned* fetched) override {
         unsigned handed_out = 0;
         if (items != nullptr) {
-            for (; count > 0 && step(); --count)
-                items[handed_out++] = list_->text(current_);
+            for (; count > 0 && find_next(); --count)
+                items[handed_out++] = list_->slots_[next_++].name;
         }
         if (fetched != nullptr) *fetched = handed_out;
         return handed_out != 0 ? 1 : 0;
     }
 
     int Skip(unsigned count) override {
-        while (count > 0 && step())
-            --count;
+        for (; count > 0 && find_next(); --count)
+            ++next_;
         return 1;
     }
 
-    void Reset() override { current_ = nullptr; }
+    void Reset() override { next_ = 0; }
 
 private:
     friend class NameList;
 
-    // An entry is about to leave the list.
-    void forget(const NameEntry* entry) noexcept {
-        if (current_ == entry) current_ = entry->preceding();
-    }
-
-    bool step() noexcept {
-        NameEntry* const next = current_ != nullptr ? current_->following() : list_->first_;
-        if (next == nullptr) return false;
-        current_ = next;
-        return true;
+    bool find_next() noexcept {
+        const NameSlots& slots = list_->slots_;
+        while (next_ < slots.size() && slots[next_].state == NameEntry::State::kHole)
+            ++next_;
+        return next_ < slots.size();
     }
 
     CQZRef<NameList> list_;
-    NameEntry* current_ = nullptr; // null before the first
+    unsigned next_ = 0; // what was at the places before has been handed out
     Walk* next_walk_ = nullptr;
 };
 
-NameList* NameList::make(unsigned entry_size) {
+NameList* NameList::make() {
     void* const block = block_alloc(sizeof(NameList));
-    return new (block) NameList(entry_size);
+    return new (block) NameList;
 }
 
 void NameList::Release() noexcept {
@@ -64,107 +59,106 @@ void NameList::Release() noexcept {
     block_free(this, sizeof(NameList));
 }
 
-void* NameList::make_block(std::string_view name) {
-    constexpr std::size_t kMostText = 0x7FFFFFFF;
-    if (name.size() >= kMostText) throw CXMemException();
-    char* const block = static_cast<char*>(block_alloc(entry_size_ + name.size() + 1));
-    char* const text = block + entry_size_;
-    std::memcpy(text, name.data(), name.size());
-    text[name.size()] = '\0';
-    return block;
-}
-
-void NameList::free_entry(NameEntry* entry) noexcept { block_free(entry, entry_size_ + entry->text_size); }
-
-void NameList::link(NameEntry* entry, std::size_t text_size, unsigned hash) {
-    entry->text_size = static_cast<unsigned>(text_size) & 0x7FFFFFFF;
-    entry->hash = hash;
+NameEntry& NameList::append(std::string_view name, unsigned hash) {
+    const char* const kept = names_.add(name);
+    NameEntry& entry = slots_.push();
+    entry.hash = hash;
+    entry.name = kept;
     try {
-        add_to_index(entry);
+        if (index_.active() || slots_.size() > kMostScanned) index_.add_last(slots_);
     } catch (...) {
-        free_entry(entry);
+        slots_.shrink(slots_.size() - 1);
         throw;
     }
-    entry->prev = last_;
-    if (last_ != nullptr)
-        last_->next = entry;
-    else
-        first_ = entry;
-    last_ = entry;
-    ++size_;
+    return entry;
 }
 
-void NameList::add_to_index(NameEntry* entry) {
-    if (index_.active()) {
-        index_.insert(entry, HashIndex::Rank::newest);
-    } else if (size_ >= kMostScanned) {
-        HashIndex index;
-        index.reserve(2 * kMostScanned);
-        index.insert(entry, HashIndex::Rank::newest);
-        for (NameEntry* listed = first_; listed != nullptr; listed = listed->following())
-            if (!listed->orphan) index.insert(listed, HashIndex::Rank::newest);
-        index_ = std::move(index);
-    }
-}
-
-NameEntry* NameList::remove(NameEntry* found, const char* given) {
+bool NameList::remove(unsigned hash, const char* given, PackedValue& value) {
+    const unsigned at = place_of(hash);
+    if (at == NameIndex::kNone) return false;
     // An orphan of this spelling is older than the entry found, so it is the first in the list.
-    NameEntry* leaving = remove_orphan(given);
-    if (leaving == nullptr && _stricmp(text(found), given) == 0) leaving = found;
-
-    if (leaving != found) {
-        orphans_.push_back(found); // has room when an orphan has just left
-        found->orphan = 1;
+    const bool orphan_left = drop_orphan(given);
+    NameEntry& found = slots_[at];
+    if (!orphan_left && _stricmp(found.name, given) == 0) {
+        make_hole(found);
     } else {
-        unlink(found);
+        orphans_.push_back(at); // has room when an orphan has just left
+        found.state = NameEntry::State::kOrphan;
     }
-    if (index_.active()) index_.remove(found);
-    return leaving;
+    value = std::exchange(found.value, PackedValue());
+    tidy();
+    return true;
 }
 
-NameEntry* NameList::remove_orphan(const char* given) noexcept {
-    const auto orphan = std::find_if(orphans_.begin(), orphans_.end(), [&](const NameEntry* entry) {
-        return _stricmp(text(entry), given) == 0;
-    });
-    if (orphan == orphans_.end()) return nullptr;
-    NameEntry* const leaving = *orphan;
+void NameList::remove_orphan(const char* given) noexcept {
+    if (drop_orphan(given)) tidy();
+}
+
+bool NameList::drop_orphan(const char* given) noexcept {
+    const auto orphan = std::find_if(orphans_.begin(), orphans_.end(),
+                                     [&](unsigned at) { return _stricmp(slots_[at].name, given) == 0; });
+    if (orphan == orphans_.end()) return false;
+    make_hole(slots_[*orphan]);
     orphans_.erase(orphan);
-    unlink(leaving);
-    return leaving;
+    return true;
 }
 
-void NameList::unlink(NameEntry* entry) noexcept {
-    for (Walk* walk = walks_; walk != nullptr; walk = walk->next_walk_)
-        walk->forget(entry);
-    if (entry->prev != nullptr)
-        entry->prev->next = entry->next;
-    else
-        first_ = entry->following();
-    if (entry->next != nullptr)
-        entry->next->prev = entry->prev;
-    else
-        last_ = entry->preceding();
-    --size_;
+void NameList::make_hole(NameEntry& entry) noexcept {
+    entry.state = NameEntry::State::kHole;
+    ++holes_;
 }
 
-NameEntry* NameList::take_all() noexcept {
+// Half of the places at most are holes, so that a walk and the memory stay in proportion to the names.
+void NameList::tidy() noexcept {
+    if (walks_ != nullptr || holes_ <= kFewHoles || holes_ <= slots_.size() / 2) return;
+    NamePool names;
+    try {
+        names.reserve(name_bytes());
+    } catch (const CXMemException&) {
+        return; // there is always a next time
+    }
+    close_holes(names);
+    names_.swap(names);
+    if (slots_.size() <= kMostScanned)
+        index_.clear();
+    else
+        index_.rebuild(slots_);
+}
+
+std::size_t NameList::name_bytes() const noexcept {
+    std::size_t bytes = 0;
+    for (unsigned at = 0; at < slots_.size(); ++at)
+        if (slots_[at].state != NameEntry::State::kHole) bytes += std::strlen(slots_[at].name) + 1;
+    return bytes;
+}
+
+// Moves the entries up, and their names to a pool that has room for them.
+void NameList::close_holes(NamePool& names) noexcept {
+    orphans_.clear();
+    unsigned to = 0;
+    for (unsigned at = 0; at < slots_.size(); ++at) {
+        if (slots_[at].state == NameEntry::State::kHole) continue;
+        NameEntry& moved = slots_[to];
+        moved = slots_[at];
+        moved.name = names.add(moved.name);
+        if (moved.state == NameEntry::State::kOrphan) orphans_.push_back(to); // they are as many as before
+        ++to;
+    }
+    slots_.shrink(to);
+    holes_ = 0;
+}
+
+NameSlots NameList::take_all() noexcept {
     for (Walk* walk = walks_; walk != nullptr; walk = walk->next_walk_)
         walk->Reset();
-    index_ = HashIndex();
+    if (walks_ != nullptr)
+        departed_.adopt(std::move(names_));
+    else
+        names_.clear();
+    index_.clear();
     orphans_.clear();
-    size_ = 0;
-    last_ = nullptr;
-    return std::exchange(first_, nullptr);
-}
-
-void NameList::discard(NameEntry* entry) noexcept {
-    if (entry == nullptr) return;
-    if (walks_ == nullptr) {
-        free_entry(entry);
-    } else {
-        entry->next = discarded_;
-        discarded_ = entry;
-    }
+    holes_ = 0;
+    return std::move(slots_);
 }
 
 void NameList::add_walk(Walk* walk) noexcept {
@@ -178,8 +172,8 @@ void NameList::remove_walk(Walk* walk) noexcept {
         link = &(*link)->next_walk_;
     *link = walk->next_walk_;
     if (walks_ != nullptr) return;
-    while (discarded_ != nullptr)
-        free_entry(std::exchange(discarded_, discarded_->following()));
+    departed_.clear();
+    tidy();
 }
 
 CTEnum<const char*>* NameList::enumerate() { return new (std::nothrow) Walk(*this); }

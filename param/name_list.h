@@ -1,73 +1,49 @@
 // The names of a node's values, or of its children: in the order in which they came, and found by hash.
 #pragma once
 
-#include "core/hash_index.h"
+#include "param/name_index.h"
+#include "param/name_pool.h"
+#include "param/name_slots.h"
 #include "qzunknown.h"
 
 #include <string_view>
 
 namespace qzr {
 
-// An entry of a list: one block with the links, the payload of a derived type, and the name behind it. The
-// links of HashLink hold the order. Payloads are plain data and start out as zero bytes.
-struct NameEntry : HashLink {
-    unsigned text_size : 31 = 0; // with the terminator
-    unsigned orphan : 1 = 0;
-
-    NameEntry* following() const noexcept { return static_cast<NameEntry*>(next); }
-    NameEntry* preceding() const noexcept { return static_cast<NameEntry*>(prev); }
-};
-static_assert(sizeof(NameEntry) == 24, "every byte here is paid once per value");
-
 // Names are matched by hash alone, but an entry leaves the list by its spelling: removing one of two names
 // that share a hash through the other spelling leaves an orphan behind, a name that is listed and not found.
 // Callers see this.
 //
 // The list is counted, like an interface: its node and its enumerators share it. While an enumerator lives,
-// entries that leave are kept aside, since their names may have been handed out.
+// no name moves or goes, since it may have been handed out; what has left is tidied up afterwards.
 class NameList {
 public:
     // Starts with one reference. Throws CXMemException.
-    static NameList* make(unsigned entry_size);
+    static NameList* make();
     void AddRef() noexcept { ++references_; }
     void Release() noexcept;
 
-    NameEntry* find(unsigned hash) const noexcept {
-        if (index_.active()) return static_cast<NameEntry*>(index_.find(hash));
-        NameEntry* entry = first_;
-        while (entry != nullptr && (entry->hash != hash || entry->orphan))
-            entry = entry->following();
-        return entry;
-    }
-    const char* text(const NameEntry* entry) const noexcept {
-        return reinterpret_cast<const char*>(entry) + entry_size_;
+    // The entry is good until the list changes; null when there is none.
+    NameEntry* find(unsigned hash) noexcept {
+        const unsigned at = place_of(hash);
+        return at != NameIndex::kNone ? &slots_[at] : nullptr;
     }
 
-    // A new entry at the end; Entry is the one type that this list is for. The hash must not be there yet.
-    // Throws CXMemException.
-    template <class Entry>
-    Entry* append(std::string_view name, unsigned hash) {
-        auto* const entry = new (make_block(name)) Entry();
-        link(entry, name.size() + 1, hash);
-        return entry;
-    }
+    // A new entry at the end, with an empty value. The hash must not be there yet. Throws CXMemException, and
+    // nothing has changed then.
+    NameEntry& append(std::string_view name, unsigned hash);
 
-    // Takes a found entry out, and from the list the first name that equals the given one without regard to
-    // case. Returns the entry of that name, which the caller passes to discard(); null when no name is equal.
-    // It may be an orphan: found then becomes one, and the caller empties its payload. Throws CXMemException,
-    // and nothing has changed then.
-    NameEntry* remove(NameEntry* found, const char* given);
+    // Takes the entry of this hash out and hands out its value, which is the caller's now; false when there
+    // is none. From the list goes the first name that equals the given one without regard to case: that of
+    // the entry, or of an orphan. Otherwise the entry becomes an orphan itself. Throws CXMemException, and
+    // nothing has changed then.
+    bool remove(unsigned hash, const char* given, PackedValue& value);
 
     // The same for a name that is not found: an orphan of that spelling leaves the list.
-    NameEntry* remove_orphan(const char* given) noexcept;
+    void remove_orphan(const char* given) noexcept;
 
-    // Takes everything out and returns the entries, chained by following(). Each is to be passed to
-    // discard().
-    NameEntry* take_all() noexcept;
-
-    // Frees an entry that has left the list, or keeps it for the enumerators. The payload must be empty; null
-    // is fine.
-    void discard(NameEntry* entry) noexcept;
+    // Empties the list and hands out the entries, whose values are the caller's. Their names are gone.
+    NameSlots take_all() noexcept;
 
     // An enumerator with one reference for the caller; null when there is no memory.
     CTEnum<const char*>* enumerate();
@@ -75,30 +51,38 @@ public:
 private:
     class Walk;
 
-    // Up to here a search runs along the list, from there on it asks the index. Most nodes stay this small
-    // and pay for neither buckets nor index.
+    // Up to here a search runs along the list, from there on it asks the index. Most nodes stay this small.
     static constexpr unsigned kMostScanned = 8;
 
-    explicit NameList(unsigned entry_size) : entry_size_(entry_size) {}
+    // Fewer holes are not worth tidying up.
+    static constexpr unsigned kFewHoles = 16;
+
+    NameList() = default;
     ~NameList() = default; // empty: its node has taken all entries out
 
-    void* make_block(std::string_view name);
-    void link(NameEntry* entry, std::size_t text_size, unsigned hash);
-    void add_to_index(NameEntry* entry);
-    void unlink(NameEntry* entry) noexcept;
-    void free_entry(NameEntry* entry) noexcept;
+    unsigned place_of(unsigned hash) const noexcept {
+        if (index_.active()) return index_.find(hash, slots_);
+        for (unsigned at = 0; at < slots_.size(); ++at)
+            if (slots_[at].found_by(hash)) return at;
+        return NameIndex::kNone;
+    }
+
+    bool drop_orphan(const char* given) noexcept;
+    void make_hole(NameEntry& entry) noexcept;
+    void tidy() noexcept;
+    std::size_t name_bytes() const noexcept;
+    void close_holes(NamePool& names) noexcept;
     void add_walk(Walk* walk) noexcept;
     void remove_walk(Walk* walk) noexcept;
 
     unsigned references_ = 1;
-    const unsigned entry_size_; // without the text
-    unsigned size_ = 0;         // listed names, orphans included
-    NameEntry* first_ = nullptr;
-    NameEntry* last_ = nullptr;
-    HashIndex index_;
-    Vector<NameEntry*> orphans_;     // those of one spelling in list order
-    NameEntry* discarded_ = nullptr; // chained by following(); only while walks_ is not null
-    Walk* walks_ = nullptr;          // the living enumerators
+    unsigned holes_ = 0; // of slots_
+    NameSlots slots_;
+    NameIndex index_;
+    NamePool names_;
+    Vector<unsigned> orphans_; // their places in slots_, in list order
+    NamePool departed_;        // the names of taken entries; only while walks_ is not null
+    Walk* walks_ = nullptr;    // the living enumerators
 };
 
 } // namespace qzr

@@ -99,6 +99,49 @@ TEST(MemParamSize, HoldsManyChildren) {
     EXPECT_EQ(outline_of(*root), "");
 }
 
+// Memory is given back and places are closed up while names leave, and after an enumerator that kept them.
+TEST(MemParamSize, KeepsOrderAndValuesWhenMostNamesLeave) {
+    for (const bool walked : {false, true}) {
+        SCOPED_TRACE(walked);
+        const std::vector<std::string> names = shuffled_names(3000);
+        const CQZRef<IParam> root = memory_tree();
+        const auto value_of = [](std::size_t i) -> CQZVariant {
+            if (i % 3 == 0) return {("a text of some length, number " + std::to_string(i)).c_str()};
+            if (i % 3 == 1) return {tagRRECT{1, 2, 3, static_cast<double>(i)}};
+            return {static_cast<int>(i)};
+        };
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const CQZVariant value = value_of(i);
+            root->SetValue(names[i].c_str(), &value);
+        }
+        auto walk = CQZRef<CTEnum<const char*>>::Adopt(walked ? root->EnumValues() : nullptr);
+        std::vector<const char*> handed_out(walked ? names.size() : 0);
+        if (walked) walk->Next(static_cast<int>(names.size()), handed_out.data(), nullptr);
+        std::vector<std::string> left;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (i % 40 == 0)
+                left.push_back(names[i]);
+            else
+                root->DeleteValue(names[i].c_str());
+        }
+        for (std::size_t i = 0; i < handed_out.size(); ++i)
+            ASSERT_EQ(handed_out[i], names[i]);
+        walk.Reset();
+        root->DeleteValue(left.back().c_str());
+        left.pop_back();
+        set_int(*root, "late", 7);
+        left.emplace_back("late");
+        EXPECT_EQ(take_names(root->EnumValues()), left);
+        CQZVariant value;
+        for (std::size_t i = 0; i + 40 < names.size(); ++i) {
+            ASSERT_EQ(root->GetValue(names[i].c_str(), &value), i % 40 == 0 ? 1 : 0) << i;
+            if (i % 40 == 0) {
+                ASSERT_TRUE(value == value_of(i)) << i;
+            }
+        }
+    }
+}
+
 constexpr int kLevels = 500000;
 
 CQZRef<IParam> deep_tree() {
