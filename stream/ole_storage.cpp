@@ -12,13 +12,15 @@ namespace qzr {
 
 // --- life ----------------------------------------------------------------------------------------------
 
-CStorage::CStorage(const wchar_t* path, int mode, PlatformStorage storage, CStorage* parent)
-    : path_(path), mode_(mode), storage_(std::move(storage)), parent_(CQZRef<CStorage>::Share(parent)) {}
+CStorage::CStorage(const wchar_t* path, int mode, CStorage* parent)
+    : path_(path), mode_(mode), parent_(CQZRef<CStorage>::Share(parent)) {}
 
-CStorage::~CStorage() { Commit(); }
+CStorage::~CStorage() {
+    if (storage_) Commit();
+}
 
-CQZRef<CStorage> CStorage::make(const wchar_t* path, int mode, PlatformStorage storage, CStorage* parent) {
-    auto* const made = new (std::nothrow) CStorage(path, mode, std::move(storage), parent);
+CQZRef<CStorage> CStorage::make(const wchar_t* path, int mode, CStorage* parent) {
+    auto* const made = new (std::nothrow) CStorage(path, mode, parent);
     if (made == nullptr) throw CXMemException();
     return CQZRef<CStorage>::Adopt(made);
 }
@@ -47,51 +49,50 @@ IXStorage* CStorage::GetParent() { return CQZRef<CStorage>(parent_).Detach(); }
 
 // --- storages ------------------------------------------------------------------------------------------
 
-IXStorage* CStorage::child(PlatformStorage storage) {
-    return make(path_.GetData(), mode_, std::move(storage), this).Detach();
-}
-
 IXStorage* CStorage::CreateStorage(const char* name) {
     const WideElementName element(name);
-    PlatformStorage made;
+    auto made = make_child();
     check_storage(
-        storage_->CreateStorage(element.text(), storage_flags(mode_) | STGM_CREATE, 0, 0, made.Put()),
+        storage_->CreateStorage(element.text(), storage_flags(mode_) | STGM_CREATE, 0, 0, made->place()),
         QZOP_OPEN, element.text());
-    return child(std::move(made));
+    return made.Detach();
 }
 
 IXStorage* CStorage::OpenStorage(const char* name) {
     const WideElementName element(name);
-    PlatformStorage opened;
+    auto opened = make_child();
     check_storage(
-        storage_->OpenStorage(element.text(), nullptr, storage_flags(mode_), nullptr, 0, opened.Put()),
+        storage_->OpenStorage(element.text(), nullptr, storage_flags(mode_), nullptr, 0, opened->place()),
         QZOP_OPEN, element.text());
-    return child(std::move(opened));
+    return opened.Detach();
 }
 
 // --- streams -------------------------------------------------------------------------------------------
 
-IXStream* CStorage::stream(HRESULT result, PlatformStream stream, const wchar_t* name) {
-    if (FAILED(result)) return nullptr;
-    auto* const made = new (std::nothrow) CStream(std::move(stream), name);
+namespace {
+
+CQZRef<CStream> make_stream(const wchar_t* name) {
+    auto* const made = new (std::nothrow) CStream(name);
     if (made == nullptr) throw CXMemException();
-    return made;
+    return CQZRef<CStream>::Adopt(made);
 }
+
+} // namespace
 
 IXStream* CStorage::CreateStream(const char* name) {
     const WideElementName element(name);
-    PlatformStream made;
+    auto made = make_stream(element.text());
     const HRESULT result =
-        storage_->CreateStream(element.text(), access_flags(mode_) | STGM_CREATE, 0, 0, made.Put());
-    return stream(result, std::move(made), element.text());
+        storage_->CreateStream(element.text(), access_flags(mode_) | STGM_CREATE, 0, 0, made->place());
+    return SUCCEEDED(result) ? made.Detach() : nullptr;
 }
 
 IXStream* CStorage::OpenStream(const char* name) {
     const WideElementName element(name);
-    PlatformStream opened;
+    auto opened = make_stream(element.text());
     const HRESULT result =
-        storage_->OpenStream(element.text(), nullptr, access_flags(mode_), 0, opened.Put());
-    return stream(result, std::move(opened), element.text());
+        storage_->OpenStream(element.text(), nullptr, access_flags(mode_), 0, opened->place());
+    return SUCCEEDED(result) ? opened.Detach() : nullptr;
 }
 
 // --- both ----------------------------------------------------------------------------------------------

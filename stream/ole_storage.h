@@ -22,9 +22,10 @@ constexpr DWORD storage_flags(int mode) noexcept {
 // commit's failure is not told. A child holds its parent, and shows the parent's path as its own.
 class CStorage final : public CQZUnknownImpl<IXStorage> {
 public:
-    // One with a reference for the caller. Throws CXMemException.
-    static CQZRef<CStorage> make(const wchar_t* path, int mode, PlatformStorage storage,
-                                 CStorage* parent = nullptr);
+    // One without a storage yet, which goes to place(): creating replaces a file or an element, so all that
+    // needs memory comes first. Throws CXMemException.
+    static CQZRef<CStorage> make(const wchar_t* path, int mode, CStorage* parent = nullptr);
+    IStorage** place() noexcept { return storage_.Put(); }
 
     IXStorage* CreateStorage(const char* name) override;
     IXStorage* OpenStorage(const char* name) override;
@@ -44,11 +45,10 @@ public:
     IStorage* platform() const noexcept { return storage_.Get(); }
 
 private:
-    CStorage(const wchar_t* path, int mode, PlatformStorage storage, CStorage* parent);
+    CStorage(const wchar_t* path, int mode, CStorage* parent);
     ~CStorage() override;
 
-    IXStorage* child(PlatformStorage storage);
-    IXStream* stream(HRESULT result, PlatformStream stream, const wchar_t* name);
+    CQZRef<CStorage> make_child() { return make(path_.GetData(), mode_, this); }
     void destroy(const char* name);
 
     CXStringW path_;

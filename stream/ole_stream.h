@@ -25,9 +25,11 @@ public:
     void cut(); // at the position, which becomes the end
 
 protected:
+    OleStream() noexcept = default; // on nothing yet
     explicit OleStream(PlatformStream stream) noexcept : stream_(std::move(stream)) {}
 
-    unsigned move(long long offset, DWORD origin); // the low half of the new position
+    IStream** place() noexcept { return stream_.Put(); } // for the platform's stream
+    unsigned move(long long offset, DWORD origin);       // the low half of the new position
 
 private:
     void check(HRESULT result, QZFileOperation operation);
@@ -39,7 +41,9 @@ private:
 // platform reverts the stream, and every operation on it throws from then on.
 class CStream final : public OleStream {
 public:
-    CStream(PlatformStream stream, const wchar_t* name) : OleStream(std::move(stream)), name_(name) {}
+    // The platform's stream goes to place(), once there is an object to hold it. Throws CXMemException.
+    explicit CStream(const wchar_t* name) : name_(name) {}
+    using OleStream::place;
 
     int ReadLineW(wchar_t* buffer, int max) override;
     int ReadLine(char* buffer, int max) override;

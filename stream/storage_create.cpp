@@ -37,45 +37,41 @@ HRESULT make_byte_array(ByteArray& array) {
 }
 
 // The storage holds the only reference to its byte array.
-HRESULT create_in_memory(int mode, PlatformStorage& created) {
+HRESULT create_in_memory(int mode, IStorage** created) {
     // Of a file the platform says so itself, of a byte array not everywhere.
     if ((mode & QZSTORAGE_READ_ONLY) != 0) return STG_E_INVALIDFLAG;
     ByteArray array;
     const HRESULT result = make_byte_array(array);
     if (FAILED(result)) return result;
-    return StgCreateDocfileOnILockBytes(array.Get(), create_flags(mode), 0, created.Put());
+    return StgCreateDocfileOnILockBytes(array.Get(), create_flags(mode), 0, created);
 }
 
-HRESULT create_in_file(const wchar_t* path, int mode, PlatformStorage& created) {
-    return StgCreateDocfile(path, create_flags(mode), 0, created.Put());
+HRESULT create_in_file(const wchar_t* path, int mode, IStorage** created) {
+    return StgCreateDocfile(path, create_flags(mode), 0, created);
 }
 
 IXStorage* new_memory_storage(int mode) {
-    PlatformStorage created;
-    check_storage(create_in_memory(mode, created), QZOP_OPEN, nullptr);
-    return CStorage::make(nullptr, mode, std::move(created)).Detach();
+    auto made = CStorage::make(nullptr, mode);
+    check_storage(create_in_memory(mode, made->place()), QZOP_OPEN, nullptr);
+    return made.Detach();
 }
 
 IXStorage* new_file_storage(const wchar_t* path, int mode) {
     const CXStringW directory = CXStringW(path).FilePath();
     Fio_CreateDirectory(directory.GetData());
-    PlatformStorage created;
-    check_storage(create_in_file(path, mode, created), QZOP_OPEN, path);
-    return CStorage::make(path, mode, std::move(created)).Detach();
+    auto made = CStorage::make(path, mode);
+    check_storage(create_in_file(path, mode, made->place()), QZOP_OPEN, path);
+    return made.Detach();
 }
 
 // The unique name is that of a file that exists already; without a storage in it it does not stay.
 IXStorage* new_temporary_storage(int mode) {
     const CXStringW path = Fio_GetTempFileName();
-    PlatformStorage created;
-    ScopeExit remove_file([&] {
-        created.Reset();
-        DeleteFileW(path.GetData());
-    });
-    check_storage(create_in_file(path.GetData(), mode, created), QZOP_OPEN, path.GetData());
-    IXStorage* const storage = CStorage::make(path.GetData(), mode, std::move(created)).Detach();
+    ScopeExit remove_file([&] { DeleteFileW(path.GetData()); });
+    auto made = CStorage::make(path.GetData(), mode); // goes before the file does
+    check_storage(create_in_file(path.GetData(), mode, made->place()), QZOP_OPEN, path.GetData());
     remove_file.dismiss();
-    return storage;
+    return made.Detach();
 }
 
 } // namespace

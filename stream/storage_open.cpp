@@ -13,10 +13,10 @@ namespace {
 IXStorage* open_compound_file(const wchar_t* path, int mode) {
     const int storage_mode = mode == 0 ? QZSTORAGE_TRANSACTED : QZSTORAGE_READ_ONLY;
     if (!has_safe_tables(path)) check_storage(STG_E_DOCFILECORRUPT, QZOP_OPEN, path);
-    PlatformStorage opened;
-    check_storage(StgOpenStorage(path, nullptr, storage_flags(storage_mode), nullptr, 0, opened.Put()),
+    auto opened = CStorage::make(path, storage_mode);
+    check_storage(StgOpenStorage(path, nullptr, storage_flags(storage_mode), nullptr, 0, opened->place()),
                   QZOP_OPEN, path);
-    return CStorage::make(path, storage_mode, std::move(opened)).Detach();
+    return opened.Detach();
 }
 
 // What the platform's own mode says in ours.
@@ -42,5 +42,7 @@ IXStorage* new_StorageByOleStorage(void* platformStorage) {
     STATSTG statistics = {};
     check_storage(storage ? storage->Stat(&statistics, STATFLAG_NONAME) : STG_E_INVALIDPOINTER, QZOP_OPEN,
                   nullptr);
-    return CStorage::make(L"", storage_mode_of(statistics.grfMode), std::move(storage)).Detach();
+    auto wrapped = CStorage::make(L"", storage_mode_of(statistics.grfMode));
+    *wrapped->place() = storage.Detach();
+    return wrapped.Detach();
 }

@@ -1,4 +1,5 @@
 // Storages on the platform's own compound files.
+#include "support/import_mock.h"
 #include "support/param_outline.h"
 #include "support/scratch_folder.h"
 #include "support/storages.h"
@@ -359,6 +360,27 @@ TEST(Storage, NamesGoThroughTheAnsiCodePage) {
         EXPECT_EQ(platform->OpenStream(name, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, stream.Put()),
                   S_OK);
     }
+}
+
+void* WINAPI refuse_memory(HANDLE, DWORD, SIZE_T) { return nullptr; }
+
+// Creating replaces what is there, so the object comes first. Its name must be too long for a recycled block.
+TEST(Storage, NothingIsReplacedWhereMemoryIsMissing) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.path(std::wstring(255 - folder.path().size(), L'f'));
+    const auto refused = [](auto call) {
+        const ImportMock none("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&refuse_memory));
+        return thrown_by(call);
+    };
+    {
+        const auto root = StorageRef::Adopt(new_Storage(path.c_str(), 0));
+        const auto inner = StorageRef::Adopt(root->CreateStorage("inner"));
+        put_stream(*inner, "kept", "x");
+    }
+    const auto root = StorageRef::Adopt(open_Storage(path.c_str(), 0));
+    EXPECT_EQ(refused([&] { root->CreateStorage("inner"); }), "2");
+    EXPECT_EQ(refused([&] { root->CreateStorage("new"); }), "2");
+    EXPECT_EQ(layout_of(*root), "inner{kept=1}");
 }
 
 } // namespace
