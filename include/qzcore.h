@@ -1,5 +1,5 @@
 /// @file
-/// All public headers at once.
+/// All public headers at once: the library's interfaces and functions, then the helpers in the namespace qz.
 #pragma once
 
 #include "qzexception.h"
@@ -16,3 +16,13 @@
 #include "qzunknown.h"
 #include "qzurl.h"
 #include "qzvariant.h"
+
+#include "qzbytes.h"
+#include "qzcreate.h"
+#include "qzfileio.h"
+#include "qzguard.h"
+#include "qzprogress.h"
+#include "qzrange.h"
+#include "qztext.h"
+#include "qztree.h"
+#include "qzvalue.h"

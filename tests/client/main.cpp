@@ -4,6 +4,7 @@
 #include "qzref.h"
 
 #include "document.h"
+#include "expect.h"
 
 #include <cstdio>
 #include <cstring>
@@ -11,12 +12,6 @@
 namespace {
 
 int failures = 0;
-
-void expect(bool ok, const char* what) {
-    if (ok) return;
-    ++failures;
-    std::printf("failed: %s\n", what);
-}
 
 void use_strings() {
     CXString path("C:\\data");
@@ -80,11 +75,23 @@ void use_failures() {
 
 } // namespace
 
+void expect(bool ok, const char* what) {
+    if (ok) return;
+    ++failures;
+    std::printf("failed: %s\n", what);
+}
+
 int main() {
     use_strings();
     use_variants();
     use_documents();
     use_failures();
+    use_texts();
+    use_values();
+    use_trees();
+    use_ranges();
+    use_files();
+    use_progress();
     if (failures == 0) std::puts("every expectation came true");
     return failures;
 }

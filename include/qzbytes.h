@@ -1,0 +1,86 @@
+/// @file
+/// Streams as bytes of the C++ standard library, and bytes as streams. Header-only.
+#pragma once
+
+#include "qzparam.h"
+#include "qzref.h"
+#include "qzstream.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace qz {
+
+/// @return a new, empty stream in memory. Throws CXMemException.
+inline CQZRef<IXStream> new_stream() {
+    auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
+    if (!stream) throw CXMemException();
+    return stream;
+}
+
+/// @return a stream in memory over a copy of the bytes, at its start. Throws CXMemException, also for bytes
+///         of 2 GiB and more, which such a stream does not read.
+inline CQZRef<IXStream> stream_of(std::string_view bytes) {
+    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw CXMemException();
+    auto stream = new_stream();
+    if (bytes.empty()) return stream;
+    CQZRef<IMemBlock>::Require(stream.Get())->SetData(bytes.data(), static_cast<unsigned>(bytes.size()));
+    return stream;
+}
+
+/// Hands the rest of a stream out in pieces of 64 KiB at most.
+/// @param piece called with a std::string_view, which is good until it returns
+/// @return the bytes read. Throws what the stream and piece throw.
+template <class Piece>
+unsigned long long read_pieces(IXStream& stream, Piece piece) {
+    std::string buffer(64 * 1024, '\0');
+    unsigned long long total = 0;
+    while (const unsigned got = stream.Read(buffer.data(), static_cast<unsigned>(buffer.size()))) {
+        piece(std::string_view(buffer.data(), got));
+        total += got;
+    }
+    return total;
+}
+
+/// @return a copy of the rest of a stream. Throws what the stream throws.
+inline std::string read_rest(IXStream& stream) {
+    std::string bytes;
+    read_pieces(stream, [&bytes](std::string_view piece) { bytes += piece; });
+    return bytes;
+}
+
+/// Writes all the bytes at the stream's position. Throws what the stream throws.
+inline void write(IXStream& stream, std::string_view bytes) {
+    constexpr std::size_t kMost = 1 << 30;
+    while (!bytes.empty()) {
+        const std::string_view piece = bytes.substr(0, kMost);
+        stream.Write(piece.data(), static_cast<unsigned>(piece.size()));
+        bytes.remove_prefix(piece.size());
+    }
+}
+
+/// @return all the bytes of a stream in memory, wherever its position is. Throws CXIFaceException for other
+///         streams.
+inline std::string bytes_of(IXStream& stream) {
+    const auto block = CQZRef<IMemBlock>::Require(&stream);
+    if (block->GetSize() == 0) return {};
+    return std::string(static_cast<const char*>(block->GetData()), block->GetSize());
+}
+
+/// @return a tree in its binary form. Throws CXException QZERR_OTHER when it cannot be written.
+inline std::string bytes_of(IParam& tree) {
+    const auto stream = new_stream();
+    if (SaveParamToXStream(stream.Get(), &tree) == 0) throw CXException(QZERR_OTHER);
+    return bytes_of(*stream);
+}
+
+/// Empties a tree and reads a binary form into it. Of bytes that end early it keeps what was there.
+/// @return false when they are no tree; it is empty then
+inline bool read_bytes(IParam& tree, std::string_view bytes) {
+    return LoadParamFromXStream(stream_of(bytes).Get(), &tree) != 0;
+}
+
+} // namespace qz
