@@ -52,17 +52,18 @@ public:
 
     // What was not committed leaves its temporary file behind, empty: callers know it by GetName.
     ~CXUrlOutFile() override {
-        if (!committed_) copy_.keep();
+        if (!complete_) copy_.keep();
     }
 
     IXOutFile& inner() { return *file_; }
     const wchar_t* GetName() override { return file_->GetName(); }
 
-    // Whether the file arrived is not asked: callers rely on Commit going on without a network.
+    // Whether the file arrived is not asked: callers rely on Commit going on without a network. Once only: a
+    // local commit that failed is not made good by the next one, which would send an empty file.
     void Commit() override {
-        if (committed_) return;
+        if (std::exchange(commit_began_, true)) return;
         file_->Commit();
-        committed_ = true;
+        complete_ = true;
         Fio_UrlPutFile(url_, copy_.path());
         copy_.remove();
     }
@@ -71,7 +72,8 @@ private:
     LocalCopy copy_; // goes after the file on it
     CQZRef<IXOutFile> file_;
     CXStringW url_;
-    bool committed_ = false;
+    bool commit_began_ = false;
+    bool complete_ = false; // the temporary file is what is to be sent
 };
 
 } // namespace qzr

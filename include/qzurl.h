@@ -82,8 +82,8 @@ QZR_API IXFile* Fio_UrlOpen(const wchar_t* url, int mode);
 /// deletes. GetName answers its local path.
 ///
 /// **Commit does not tell when the sending fails, and what was written is gone then.** To know, write a local
-/// file and call Fio_UrlPutFile. Released without Commit the object sends nothing, and the temporary file
-/// stays, empty.
+/// file and call Fio_UrlPutFile. A Commit that throws has sent nothing, and neither does another one after
+/// it. Released without Commit the object sends nothing, and the temporary file stays, empty.
 /// @return the file with one reference; null when there is no memory for it. Throws CXException QZERR_ACCESS
 ///         when the URL is not writable, and what Fio_OpenOut throws.
 QZR_API IXOutFile* Fio_UrlOpenOut(const wchar_t* url, int mode);

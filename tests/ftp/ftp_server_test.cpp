@@ -184,7 +184,21 @@ TEST_F(FtpServer, SendsAnOutputFileOnCommitAlone) {
     file->Write("x", 1);
     file.Reset();
     EXPECT_FALSE(std::filesystem::exists(on_server(L"dropped.txt")));
-    left_behind = 1; // the empty file that stood for it
+    file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(url(L"there.txt").c_str(), QZFILE_WRITE));
+    file->Write("x", 1);
+    {
+        const ImportMock disk("qzrcore.dll", "DeleteFileW",
+                              reinterpret_cast<void*>(+[](const wchar_t*) -> BOOL {
+                                  SetLastError(ERROR_ACCESS_DENIED);
+                                  return FALSE;
+                              }));
+        EXPECT_THROW(file->Commit(), CXFileException);
+    }
+    file->Commit();
+    file.Reset();
+    EXPECT_EQ(contents(L"there.txt"), "other")
+        << "trying again sends no empty file in the place of a lost one";
+    left_behind = 2; // the empty files that stood for them
 
     for (const std::wstring& refused : {url(L"readonly/new.txt"), anonymous(L"new.txt"), unreachable()})
         EXPECT_EQ(failure_of([&] { Fio_OpenOut(refused.c_str(), QZFILE_WRITE); }), "code 9");
