@@ -17,30 +17,45 @@ using FileSize = unsigned long long;
 constexpr DWORD kChunk = 32 * 1024;
 
 // What the server said last: a reply code and text, possibly of several lines, of which the last one counts.
-struct Reply {
-    wchar_t text[1024] = L"";
-
+class Reply {
+public:
     Reply() {
-        DWORD error = 0;
-        DWORD units = static_cast<DWORD>(std::size(text));
-        if (InternetGetLastResponseInfoW(&error, text, &units) == FALSE) text[0] = L'\0';
-        text[std::size(text) - 1] = L'\0';
+        constexpr DWORD kUsual = 256;
+        constexpr DWORD kLongest = 64 * 1024;
+        for (DWORD units = kUsual; !read(units) && units < kLongest;)
+            units *= 2;
     }
     const wchar_t* last_line() const {
-        const wchar_t* line = text;
-        for (const wchar_t* p = text; *p != L'\0'; ++p)
+        const wchar_t* line = text_;
+        for (const wchar_t* p = text_; *p != L'\0'; ++p)
             if (*p == L'\n' && p[1] != L'\0') line = p + 1;
         return line;
     }
+
+private:
+    // False when it does not fit into so many units.
+    bool read(DWORD units) {
+        wchar_t* const buffer = text_.GetBuffer(static_cast<int>(units));
+        DWORD error = 0;
+        const bool known = InternetGetLastResponseInfoW(&error, buffer, &units) != FALSE;
+        const bool too_long = !known && last_error() == ERROR_INSUFFICIENT_BUFFER;
+        buffer[known ? units : 0] = L'\0';
+        text_.ReleaseBuffer();
+        return !too_long;
+    }
+
+    CXStringW text_;
 };
 
 // The platform does not tell whether the server was content in the end; its last reply does.
 bool last_reply_is_failure() {
-    const wchar_t first = Reply().last_line()[0];
+    const wchar_t first = *Reply().last_line();
     return first == L'4' || first == L'5';
 }
 
-// The size that the server says a file has; none when it does not know the command. Nothing else tells a
+bool is_digit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+// The size that the server says a file has; none when it tells no number. Nothing else tells a
 // transfer that broke off from one that is complete.
 std::optional<FileSize> remote_size(HINTERNET connection, const CXStringW& path) {
     constexpr BOOL kNoData = FALSE;
@@ -49,8 +64,10 @@ std::optional<FileSize> remote_size(HINTERNET connection, const CXStringW& path)
         return {};
     const Reply reply;
     const wchar_t* const line = reply.last_line();
-    if (std::wcsncmp(line, L"213 ", 4) != 0) return {};
-    return std::wcstoull(line + 4, nullptr, 10);
+    constexpr wchar_t kSizeReply[] = L"213 ";
+    constexpr std::size_t kPrefix = std::size(kSizeReply) - 1;
+    if (std::wcsncmp(line, kSizeReply, kPrefix) != 0 || !is_digit(line[kPrefix])) return {};
+    return std::wcstoull(line + kPrefix, nullptr, 10);
 }
 
 class DownloadTask final : public FtpTask {

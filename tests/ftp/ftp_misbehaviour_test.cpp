@@ -51,11 +51,11 @@ TEST_F(FtpMisbehaviour, Downloads) {
         bool arrives;
         bool stalls = false;
     } rows[] = {
-        {L"honest", true},      {L"nosize", true},         {L"wide", true},
+        {L"honest", true},       {L"nosize", true},         {L"wide", true},
         {L"short", false}, // the size told before gives it away
-        {L"broken", false},     {L"broken-nosize", false}, {L"nodata", false},
-        {L"deaf", false},       {L"hangup", false},        {L"stall", false, true},
-        {L"mute", false, true},
+        {L"broken", false},      {L"broken-nosize", false}, {L"broken-wordy-nosize", false},
+        {L"nodata", false},      {L"deaf", false},          {L"hangup", false},
+        {L"stall", false, true}, {L"mute", false, true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(narrow(row.words));
@@ -84,7 +84,7 @@ TEST_F(FtpMisbehaviour, Uploads) {
     } rows[] = {
         {L"honest", true},  {L"nosize", true},         {L"short", false},       {L"short-keep", false},
         {L"broken", false}, {L"broken-nosize", false}, {L"full", false},        {L"nodata", false},
-        {L"deaf", false},   {L"hangup", false},        {L"stall", false, true},
+        {L"deaf", false},   {L"hangup", false},        {L"stall", false, true}, {L"vague", true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(narrow(row.words));

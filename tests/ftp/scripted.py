@@ -16,8 +16,10 @@ WORDS = {
     "garbage": "lists what is no listing",
     "endless": "lists names without end",
     "nosize": "does not know SIZE",
+    "vague": "answers SIZE without a number",
     "short": "sends half of a file and says that all is well",
     "broken": "sends or takes half of a file, and says so",
+    "wordy": "says so at length",
     "stall": "sends half of a file, then nothing; takes a file, and never says so",
     "full": "takes nothing of a file",
     "mute": "says nothing once the user is known",
@@ -103,6 +105,8 @@ class Conversation:
             self.say("500 what?")
         elif data is None:
             self.say("550 no such file")
+        elif "vague" in self.words:
+            self.say("213 rather large")
         else:
             self.say(f"213 {len(data)}")
 
@@ -161,7 +165,7 @@ class Conversation:
             if "stall" in self.words:
                 self.reader.read()  # until the client goes away
                 raise Hangup
-        self.say("426 sorry" if "broken" in self.words else "226 that was all")
+        self.say_end()
 
     def do_stor(self, path):
         if "full" in self.words:
@@ -183,7 +187,13 @@ class Conversation:
                 raise Hangup
         with lock:
             files[name] = content[: len(content) // 2] if "short" in self.words else content
-        self.say("426 sorry" if "broken" in self.words else "226 that was all")
+        self.say_end()
+
+    def say_end(self):
+        if "broken" in self.words:
+            self.say("426 sorry" + (", so sorry" * 120 if "wordy" in self.words else ""))
+        else:
+            self.say("226 that was all")
 
     def data(self):
         if self.listener is None:
