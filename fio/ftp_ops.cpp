@@ -48,7 +48,7 @@ private:
         if (end == begin || end[-1] == L'/') return ERROR_SUCCESS;
         const wchar_t delimiter = std::exchange(*end, L'\0');
         const bool made = exists(connection, begin) || FtpCreateDirectoryW(connection, begin) != FALSE;
-        const DWORD error = made ? ERROR_SUCCESS : last_error();
+        const DWORD error = made ? ERROR_SUCCESS : client_error();
         *end = delimiter;
         return error;
     }
@@ -62,7 +62,7 @@ public:
 private:
     DWORD talk(HINTERNET connection) override {
         InternetHandle probe(FtpOpenFileW(connection, path(), GENERIC_WRITE, FTP_TRANSFER_TYPE_BINARY, 0));
-        if (!probe) return last_error();
+        if (!probe) return client_error();
         moved();
         probe.reset();
         FtpDeleteFileW(connection, path());
@@ -125,7 +125,8 @@ int Fio_UrlIsWritableDir(const wchar_t* url) {
 int Fio_UrlIsWritableFile(const wchar_t* url) {
     if (url == nullptr) return 0;
     WIN32_FIND_DATAW found = {};
-    const bool exists = qzr::find_remote(url, found) == ERROR_SUCCESS;
-    if (exists && (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return 0;
+    const DWORD error = qzr::find_remote(url, found);
+    if (error == ERROR_NO_UNICODE_TRANSLATION) return 0; // told now, not by a Commit that sends nothing
+    if (error == ERROR_SUCCESS && (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return 0;
     return Fio_UrlIsWritableDir(qzr::directory_part(url));
 }

@@ -18,6 +18,17 @@ void limit_waiting(HINTERNET session) {
         InternetSetOptionW(session, option, &limit, sizeof limit);
 }
 
+// The client speaks in the system's ANSI code page and puts "?" or a similar letter in the place of others:
+// two files would have one name on the server.
+bool can_be_sent(const wchar_t* text) {
+    if (GetACP() == CP_UTF8) return true;
+    constexpr int kWithItsZero = -1;
+    BOOL replaced = FALSE;
+    const int bytes =
+        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text, kWithItsZero, nullptr, 0, nullptr, &replaced);
+    return bytes != 0 && replaced == FALSE;
+}
+
 // Null asks the platform for an anonymous log-in.
 const wchar_t* text_or_null(const CXStringW& text) { return text.GetSize() != 0 ? text.GetData() : nullptr; }
 
@@ -30,6 +41,16 @@ HMODULE hold_library(const void* code) {
 
 } // namespace
 
+DWORD client_error() noexcept {
+    const DWORD error = last_error();
+    return error != ERROR_SUCCESS ? error : DWORD{ERROR_INTERNET_INTERNAL_ERROR};
+}
+
+DWORD FtpTask::take_apart(const wchar_t* url, UrlParts& parts) {
+    if (!split_url(url, parts) || parts.host.GetSize() == 0) return ERROR_INTERNET_INVALID_URL;
+    return can_be_sent(url) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
+}
+
 DWORD FtpTask::connect_and_talk() {
     HINTERNET session = nullptr;
     const bool opened = keep([&] {
@@ -37,12 +58,12 @@ DWORD FtpTask::connect_and_talk() {
         session = session_.get();
         return session != nullptr;
     });
-    if (!opened) return last_error();
+    if (!opened) return client_error();
     limit_waiting(session);
     const InternetHandle connection(InternetConnectW(session, parts_.host, INTERNET_DEFAULT_FTP_PORT,
                                                      text_or_null(parts_.user), text_or_null(parts_.password),
                                                      INTERNET_SERVICE_FTP, INTERNET_FLAG_PASSIVE, 0));
-    if (!connection) return last_error();
+    if (!connection) return client_error();
     moved();
     return talk(connection.get());
 }
@@ -73,12 +94,12 @@ void FtpTask::give_up() noexcept {
 }
 
 DWORD run_ftp(const std::shared_ptr<FtpTask>& task) {
-    if (!task->valid_) return ERROR_INTERNET_INVALID_URL;
+    if (task->refusal_ != ERROR_SUCCESS) return task->refusal_;
     task->self_ = task;
     task->library_ = hold_library(reinterpret_cast<const void*>(&FtpTask::thread_main));
     const KernelHandle thread(CreateThread(nullptr, 0, &FtpTask::thread_main, task.get(), 0, nullptr));
     if (!thread) {
-        const DWORD error = last_error();
+        const DWORD error = client_error();
         FreeLibrary(task->library_);
         task->self_.reset();
         return error;

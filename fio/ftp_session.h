@@ -33,14 +33,17 @@ constexpr DWORD kListing = 120000; // the platform reads listings as a whole, an
 constexpr DWORD kFreshListing = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
 constexpr DWORD kFreshTransfer = kFreshListing | INTERNET_FLAG_RESYNCHRONIZE | FTP_TRANSFER_TYPE_BINARY;
 
+// The error of a call of the client that has failed: never 0, even where the client forgets to say why.
+DWORD client_error() noexcept;
+
 // Derived classes hold what the conversation needs and what comes of it, all of it their own: the caller may
 // be gone before the thread is.
 class FtpTask {
 public:
-    // A URL that cannot be split makes a task that fails.
+    // A URL that cannot be split, or that the client cannot send, makes a task that fails.
     // @param patience milliseconds without a move that are one too many
     explicit FtpTask(const wchar_t* url, DWORD patience = kSilence)
-        : valid_(split_url(url, parts_) && parts_.host.GetSize() != 0), patience_(patience) {}
+        : refusal_(take_apart(url, parts_)), patience_(patience) {}
     virtual ~FtpTask() = default;
     FtpTask(const FtpTask&) = delete;
     FtpTask& operator=(const FtpTask&) = delete;
@@ -68,12 +71,13 @@ protected:
 private:
     friend DWORD run_ftp(const std::shared_ptr<FtpTask>& task);
 
+    static DWORD take_apart(const wchar_t* url, UrlParts& parts);
     static DWORD WINAPI thread_main(void* task);
     DWORD connect_and_talk();
     void give_up() noexcept;
 
     UrlParts parts_;
-    bool valid_;
+    DWORD refusal_; // why there is nothing to begin; 0 when there is something
     DWORD patience_;
     DWORD result_ = ERROR_SUCCESS;
     std::atomic<unsigned> moves_{0};

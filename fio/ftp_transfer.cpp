@@ -79,7 +79,7 @@ private:
         const std::optional<FileSize> announced = remote_size(connection, path());
         moved();
         InternetHandle remote(FtpOpenFileW(connection, path(), GENERIC_READ, kFreshTransfer, 0));
-        if (!remote) return last_error();
+        if (!remote) return client_error();
         moved();
         FileSize received = 0;
         if (const DWORD error = receive(remote.get(), received); error != ERROR_SUCCESS) return error;
@@ -93,7 +93,7 @@ private:
         char chunk[kChunk];
         for (;;) {
             DWORD size = 0;
-            if (InternetReadFile(remote, chunk, sizeof chunk, &size) == FALSE) return last_error();
+            if (InternetReadFile(remote, chunk, sizeof chunk, &size) == FALSE) return client_error();
             if (size == 0) return ERROR_SUCCESS;
             moved();
             received += size;
@@ -128,7 +128,7 @@ public:
 private:
     DWORD talk(HINTERNET connection) override {
         InternetHandle remote(FtpOpenFileW(connection, path(), GENERIC_WRITE, kFreshTransfer, 0));
-        if (!remote) return last_error();
+        if (!remote) return client_error();
         began_ = true;
         moved();
         FileSize sent = 0;
@@ -148,7 +148,8 @@ private:
             if (size == 0) return ERROR_SUCCESS;
             for (DWORD done = 0; done < size;) {
                 DWORD now = 0;
-                if (InternetWriteFile(remote, chunk + done, size - done, &now) == FALSE) return last_error();
+                if (InternetWriteFile(remote, chunk + done, size - done, &now) == FALSE)
+                    return client_error();
                 if (now == 0) return ERROR_INTERNET_CONNECTION_ABORTED;
                 done += now;
                 moved();
@@ -169,7 +170,7 @@ public:
 
 private:
     DWORD talk(HINTERNET connection) override {
-        return FtpDeleteFileW(connection, path()) != FALSE ? ERROR_SUCCESS : last_error();
+        return FtpDeleteFileW(connection, path()) != FALSE ? ERROR_SUCCESS : client_error();
     }
 };
 

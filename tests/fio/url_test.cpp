@@ -78,10 +78,23 @@ TEST(Url, FailsWithThePlatform) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     });
-    for (const char* const function :
-         {"CreateThread", "InternetOpenW", "InternetConnectW", "InternetCrackUrlW", "GetTempFileNameW"}) {
-        SCOPED_TRACE(function);
-        const ImportMock mock("qzrcore.dll", function, fail);
+    const auto fail_without_a_word = reinterpret_cast<void*>(+[]() -> void* {
+        SetLastError(ERROR_SUCCESS);
+        return nullptr;
+    });
+    const struct {
+        const char* function;
+        void* replacement;
+    } rows[] = {
+        {"CreateThread", fail},
+        {"InternetOpenW", fail_without_a_word},
+        {"InternetConnectW", fail_without_a_word},
+        {"InternetCrackUrlW", fail},
+        {"GetTempFileNameW", fail},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.function);
+        const ImportMock mock("qzrcore.dll", row.function, row.replacement);
         EXPECT_EQ(Fio_DownloadToFile(url, local.c_str()), 0);
         EXPECT_EQ(folder.contents(L"local"), "before");
         EXPECT_EQ(folder.count(), 1u);

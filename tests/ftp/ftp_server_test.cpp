@@ -318,24 +318,34 @@ TEST_F(FtpServer, OtherOperationsRefuseAddresses) {
 TEST_F(FtpServer, FailsWithThePlatform) {
     put(L"fetch.txt", "remote");
     const std::wstring local = work.file(L"local.txt", "local");
-    const struct {
-        const char* function;
-        bool download;
-    } rows[] = {{"WriteFile", true},    {"InternetReadFile", true}, {"MoveFileExW", true},
-                {"FtpOpenFileW", true}, {"ReadFile", false},        {"InternetWriteFile", false},
-                {"FtpOpenFileW", false}};
     const auto fail = reinterpret_cast<void*>(+[]() -> void* {
         SetLastError(ERROR_DISK_FULL);
         return nullptr;
     });
+    const auto fail_without_a_word = reinterpret_cast<void*>(+[]() -> void* {
+        SetLastError(ERROR_SUCCESS);
+        return nullptr;
+    });
+    const struct {
+        const char* function;
+        bool download;
+        void* replacement;
+    } rows[] = {
+        {"WriteFile", true, fail},
+        {"InternetReadFile", true, fail_without_a_word},
+        {"MoveFileExW", true, fail},
+        {"FtpOpenFileW", true, fail_without_a_word},
+        {"ReadFile", false, fail},
+        {"InternetWriteFile", false, fail_without_a_word},
+        {"FtpOpenFileW", false, fail_without_a_word},
+    };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.function) + (row.download ? " fetching" : " sending"));
-        if (!row.download) {
-            const ImportMock mock("qzrcore.dll", row.function, fail);
-            EXPECT_EQ(Fio_UrlPutFile(url(L"sent.txt").c_str(), local.c_str()), 0);
-        } else {
-            const ImportMock mock("qzrcore.dll", row.function, fail);
-            EXPECT_EQ(Fio_DownloadToFile(url(L"fetch.txt").c_str(), local.c_str()), 0);
+        {
+            const ImportMock mock("qzrcore.dll", row.function, row.replacement);
+            EXPECT_EQ(row.download ? Fio_DownloadToFile(url(L"fetch.txt").c_str(), local.c_str())
+                                   : Fio_UrlPutFile(url(L"sent.txt").c_str(), local.c_str()),
+                      0);
         }
         EXPECT_FALSE(std::filesystem::exists(on_server(L"sent.txt")));
         EXPECT_EQ(work.contents(L"local.txt"), "local");
@@ -347,7 +357,7 @@ TEST_F(FtpServer, FailsWithThePlatform) {
 }
 
 // Names go to the server in the system's ANSI code page: a server that takes names for UTF-8 sees other ones,
-// the library's own files come back all the same.
+// the library's own files come back all the same. What the code page lacks is refused.
 TEST_F(FtpServer, NamesBeyondAsciiComeBackAsSent) {
     const std::wstring name = GetACP() == 1251 ? L"\x0416\x0443\x043A.txt" : L"\x00C4\x00E9.txt";
     if (GetACP() != 1251 && GetACP() != 1252) return;
@@ -359,6 +369,20 @@ TEST_F(FtpServer, NamesBeyondAsciiComeBackAsSent) {
     EXPECT_NE(Fio_DownloadToFile(url(L"sub/" + name).c_str(), work.path(L"b.txt").c_str()), 0);
     EXPECT_EQ(work.contents(L"b.txt"), "letters");
     EXPECT_NE(Fio_UrlDeleteFile(url(L"sub/" + name).c_str()), 0);
+
+    // Each would be "?.txt", or "a.txt" for the second in the Western code page, and replace the other one.
+    put(L"a.txt", "mine");
+    for (const wchar_t* const foreign : {L"sub/\x65E5.txt", L"\x0101.txt"}) {
+        const std::wstring address = url(foreign);
+        EXPECT_EQ(Fio_UrlPutFile(address.c_str(), local.c_str()), 0);
+        EXPECT_EQ(Fio_DownloadToFile(address.c_str(), local.c_str()), 0);
+        EXPECT_EQ(Fio_IsWritableFile(address.c_str()), 0);
+        EXPECT_EQ(failure_of([&] { Fio_OpenOut(address.c_str(), QZFILE_WRITE); }), "code 9");
+        EXPECT_EQ(failure_of([&] { Fio_CreateDirectory(address.c_str()); }),
+                  failure(QZERR_OTHER, QZOP_OPEN, address));
+        EXPECT_EQ(work.contents(L"a.txt"), "letters");
+    }
+    EXPECT_EQ(contents(L"a.txt"), "mine");
 }
 
 // Transfers carry names with blanks; listings cut them, so such a file counts as missing.
