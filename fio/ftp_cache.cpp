@@ -19,6 +19,14 @@ CXStringW cache_name(const UrlParts& parts) {
     return name + parts.host + parts.path;
 }
 
+// What the file in the cache is to end with. The platform copies it unchecked into a path of its own, so that
+// no long one may come there.
+CXStringW cache_extension(const UrlParts& parts) {
+    constexpr unsigned kLongest = 64;
+    const CXStringW extension = parts.path.FileExt();
+    return extension.GetSize() <= kLongest ? extension : CXStringW();
+}
+
 // Room for a file in the cache. The platform's own function for the whole of this hangs on missing files, and
 // it would follow the URL's port.
 bool make_room(const CXStringW& name, const wchar_t* extension, wchar_t (&path)[kPathUnits]) {
@@ -40,7 +48,7 @@ const wchar_t* Fio_DownloadToCacheFile(const wchar_t* url) {
     qzr::UrlParts parts;
     if (!qzr::split_url(url, parts)) return nullptr;
     const CXStringW name = qzr::cache_name(parts);
-    const CXStringW extension = parts.path.FileExt();
+    const CXStringW extension = qzr::cache_extension(parts);
     wchar_t path[qzr::kPathUnits] = L"";
     if (!qzr::make_room(name, extension, path)) return nullptr;
     if (qzr::download(url, path) != ERROR_SUCCESS || !qzr::commit(name, path, extension)) {

@@ -237,6 +237,16 @@ TEST_F(FtpServer, KeepsACopyInTheCache) {
     EXPECT_EQ(ScratchFolder::contents_of(path), "second") << "fresh each time";
     for (const wchar_t* const none : {static_cast<const wchar_t*>(nullptr), L"C:\\x", L"ab:x"})
         EXPECT_EQ(Fio_DownloadToCacheFile(none), nullptr);
+    const std::wstring local = work.file(L"a.txt", "third");
+    for (const unsigned length : {64u, 65u, 300u}) { // of the extension: a long one is left away
+        SCOPED_TRACE(length);
+        const std::wstring address = scripted(L"honest", L"a." + std::wstring(length, L'x'));
+        EXPECT_NE(Fio_UrlPutFile(address.c_str(), local.c_str()), 0);
+        const wchar_t* const copy = Fio_DownloadToCacheFile(address.c_str());
+        ASSERT_NE(copy, nullptr);
+        EXPECT_EQ(ScratchFolder::contents_of(copy), "third");
+        DeleteUrlCacheEntryW((L"ftp://honest@" + address.substr(address.find(L"127"))).c_str());
+    }
     EXPECT_EQ(Fio_DownloadToCacheFile(url(L"missing.txt").c_str()), nullptr);
     EXPECT_EQ(Fio_DownloadToCacheFile(unreachable().c_str()), nullptr);
     DeleteUrlCacheEntryW(L"ftp://user@127.0.0.1/cache.txt");
