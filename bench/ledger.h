@@ -21,6 +21,9 @@ struct Row {
     Body counterpart;
 };
 
+/// What is measured of memory: what stands when the work is done, or the most of it on the way there.
+enum class Measure { kept, peak };
+
 /// Bytes that an entry costs, measured in a process of its own for each side.
 struct MemoryRow {
     std::string group;
@@ -32,6 +35,7 @@ struct MemoryRow {
     /// Build what is measured and return it; it is kept alive until the measurement is taken.
     std::function<std::function<void()>()> library;
     std::function<std::function<void()>()> counterpart;
+    Measure measure = Measure::kept;
 };
 
 class Ledger {
@@ -45,8 +49,11 @@ protected:
 
 // One function a file.
 void dictionary_rows(Ledger& ledger);
+void file_rows(Ledger& ledger);
 void heap_rows(Ledger& ledger);
+void ini_rows(Ledger& ledger);
 void object_rows(Ledger& ledger);
+void storage_rows(Ledger& ledger);
 void stream_rows(Ledger& ledger);
 void string_rows(Ledger& ledger);
 void tree_form_rows(Ledger& ledger);

@@ -10,8 +10,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <regex>
+#include <string_view>
 #include <vector>
 #include <windows.h>
+
+#include <psapi.h>
 
 namespace {
 
@@ -30,8 +34,8 @@ struct Rows final : bench::Ledger {
     std::vector<bench::MemoryRow> memory;
 };
 
-// Memory that this process alone has committed, heaps and all. (Wine does not keep the process's own
-// counters.)
+// Memory that this process alone has committed, heaps and all. (Of what the counters below tell, Wine keeps
+// the working set alone.)
 unsigned long long private_bytes() {
     unsigned long long sum = 0;
     MEMORY_BASIC_INFORMATION region{};
@@ -40,6 +44,20 @@ unsigned long long private_bytes() {
         if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) sum += region.RegionSize;
     }
     return sum;
+}
+
+PROCESS_MEMORY_COUNTERS counters() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    return counters;
+}
+
+// Bytes before the work, and bytes after it. The peak is that of all pages that were in memory.
+unsigned long long bytes_before(bench::Measure measure) {
+    return measure == bench::Measure::kept ? private_bytes() : counters().WorkingSetSize;
+}
+unsigned long long bytes_after(bench::Measure measure) {
+    return measure == bench::Measure::kept ? private_bytes() : counters().PeakWorkingSetSize;
 }
 
 int measure_memory(const Rows& rows, int argc, char** argv) {
@@ -52,19 +70,27 @@ int measure_memory(const Rows& rows, int argc, char** argv) {
     if (index >= rows.memory.size()) return 2;
     const bench::MemoryRow& row = rows.memory[index];
     row.prepare();
-    const unsigned long long before = private_bytes();
+    const unsigned long long before = bytes_before(row.measure);
     const std::function<void()> keep =
         std::strcmp(argv[3], "library") == 0 ? row.library() : row.counterpart();
-    std::printf("%llu\n", private_bytes() - before);
+    std::printf("%llu\n", bytes_after(row.measure) - before);
     keep();
     return 0;
 }
 
+// Which rows are asked for.
+std::regex filter(int argc, char** argv) {
+    constexpr std::string_view kOption = "--benchmark_filter=";
+    for (int i = 1; i < argc; ++i)
+        if (std::string_view(argv[i]).starts_with(kOption)) return std::regex(argv[i] + kOption.size());
+    return std::regex("");
+}
+
 // Everything is checked before anything is timed: a wrong result has no speed.
-bool check(const Rows& rows) {
+bool check(const Rows& rows, const std::regex& wanted) {
     bool right = true;
     for (const bench::Row& row : rows.timed) {
-        if (row.check()) continue;
+        if (!std::regex_search(label(row), wanted) || row.check()) continue;
         std::fprintf(stderr, "wrong result: %s: %s\n", row.group.c_str(), row.work.c_str());
         right = false;
     }
@@ -83,9 +109,12 @@ int main(int argc, char** argv) {
     bench::tree_form_rows(rows);
     bench::object_rows(rows);
     bench::dictionary_rows(rows);
+    bench::file_rows(rows);
+    bench::ini_rows(rows);
+    bench::storage_rows(rows);
 
     if (argc > 1 && std::strcmp(argv[1], "--memory") == 0) return measure_memory(rows, argc, argv);
-    if (!check(rows)) return 1;
+    if (!check(rows, filter(argc, argv))) return 1;
     for (const bench::Row& row : rows.timed) {
         benchmark::RegisterBenchmark((label(row) + "|library").c_str(), row.library)->UseRealTime();
         benchmark::RegisterBenchmark((label(row) + "|counterpart").c_str(), row.counterpart)->UseRealTime();

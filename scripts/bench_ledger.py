@@ -18,7 +18,7 @@ def parse_arguments():
     parser.add_argument("filter", nargs="?", default="")
     parser.add_argument("--json", metavar="FILE", help="also write the ledger as JSON")
     parser.add_argument("--rounds", type=int, default=5, help="rounds of each row, at least 5 (default 5)")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     arguments.rounds = max(arguments.rounds, 5)
     return arguments
 
