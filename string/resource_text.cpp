@@ -27,7 +27,6 @@ constexpr int kLastCapacity = 65535 + kCapacityStep; // resource texts have 16-b
 // terminator.
 template <class String>
 int load(String& s, void* module, unsigned id) {
-    int previous = -1;
     for (int capacity = kFirstCapacity; capacity <= kLastCapacity; capacity += kCapacityStep) {
         auto* const buffer = s.GetBuffer(capacity + 1);
         std::memset(buffer, 0, (static_cast<std::size_t>(capacity) + 2) * sizeof *buffer);
@@ -35,9 +34,8 @@ int load(String& s, void* module, unsigned id) {
         if (loaded <= 0) *buffer = 0;
         s.ReleaseBuffer();
         if (loaded <= 0) return 0;
-        // A loader that is asked for more and answers the same has given all it has.
-        if (loaded < capacity || loaded == previous) return 1;
-        previous = loaded;
+        // More than was offered is the length of a text that was cut: it is asked for again, with more room.
+        if (loaded < capacity) return 1;
     }
     return 1;
 }

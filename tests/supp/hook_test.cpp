@@ -178,19 +178,27 @@ TEST(HookedStrings, DISABLED_AreLeftAloneOnRequest) {
     EXPECT_STREQ(wide_text.GetData(), L"Birne");
 }
 
-// A translation of 600 units: strings ask again until it fits, and never read past what was copied.
+// Strings ask again until the translation fits, and never read past what was copied.
 TEST(HookedStrings, LoadThemselvesWhateverTheLength) {
     expect_passes_alone("HookedStrings.DISABLED_LoadThemselvesWhateverTheLength");
 }
 TEST(HookedStrings, DISABLED_LoadThemselvesWhateverTheLength) {
-    const std::string translation(600, 'x');
-    const FruitModule fruit(pair_lines("Pear", translation));
-    CXStringW wide;
-    EXPECT_EQ(wide.Load(fruit.get(), 2), 1);
-    EXPECT_EQ(std::wstring(wide.GetData()).substr(0, 300), std::wstring(300, L'x'));
-    CXString narrow;
-    EXPECT_EQ(narrow.Load(fruit.get(), 2), 1);
-    EXPECT_EQ(std::string(narrow.GetData()).substr(0, 300), translation.substr(0, 300));
+    const std::string twice_the_room(600, 'x');
+    const std::string longest(8190, 'y');
+    const FruitModule fruit(pair_lines("Pear", twice_the_room) + pair_lines("Fig", longest));
+    const struct {
+        unsigned id;
+        const std::string& text;
+    } rows[] = {{2, twice_the_room}, {40, longest}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.id);
+        CXStringW wide;
+        EXPECT_EQ(wide.Load(fruit.get(), row.id), 1);
+        EXPECT_EQ(wide.GetData(), std::wstring(row.text.begin(), row.text.end()));
+        CXString narrow;
+        EXPECT_EQ(narrow.Load(fruit.get(), row.id), 1);
+        EXPECT_EQ(narrow.GetData(), row.text);
+    }
 }
 
 // --- resources
