@@ -69,7 +69,7 @@ TEST(Url, Parts) {
     EXPECT_EQ(parts[3].GetLength(), 100001u);
 }
 
-// Each call of the platform on the way to a server, failing alone: nothing is left, also no thread.
+// Each call of the platform on the way to a server, failing alone, some without naming an error.
 TEST(Url, FailsWithThePlatform) {
     const ScratchFolder folder;
     const std::wstring local = folder.file(L"local", "before");
