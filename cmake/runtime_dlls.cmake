@@ -1,20 +1,18 @@
 # Stages the compiler's runtime DLLs in the folder of the built programs, so that the folder runs as it is and can
 # be copied to another machine. All modules share these DLLs: exceptions cross modules only that way.
+include(${CMAKE_CURRENT_LIST_DIR}/find_runtime_dlls.cmake)
+
 function(qzr_stage_runtime_dlls folder)
-    get_filename_component(compiler_dir ${CMAKE_CXX_COMPILER} DIRECTORY)
+    qzrcore_find_runtime_dlls(found)
+    if(CMAKE_CROSSCOMPILING AND NOT found MATCHES "libstdc.*libgcc.*winpthread.*libssp")
+        message(FATAL_ERROR "Runtime DLLs are missing, found were only: ${found}. Is the posix flavour of the compiler "
+                            "installed?")
+    endif()
     set(staged)
-    foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
-        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
-                        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
-        if(NOT IS_ABSOLUTE "${path}")
-            set(path ${compiler_dir}/${name})
-        endif()
-        if(EXISTS ${path})
-            configure_file(${path} ${folder}/${name} COPYONLY)
-            list(APPEND staged ${folder}/${name})
-        elseif(CMAKE_CROSSCOMPILING)
-            message(FATAL_ERROR "${name} not found: is the posix flavour of the compiler installed?")
-        endif()
+    foreach(path IN LISTS found)
+        get_filename_component(name ${path} NAME)
+        configure_file(${path} ${folder}/${name} COPYONLY)
+        list(APPEND staged ${folder}/${name})
     endforeach()
     set(QZR_RUNTIME_DLLS ${staged} PARENT_SCOPE)
 endfunction()

@@ -1,0 +1,16 @@
+# qzrcore_find_runtime_dlls(<variable>): the paths of the DLLs that what this compiler builds runs with.
+function(qzrcore_find_runtime_dlls result)
+    get_filename_component(compiler_dir ${CMAKE_CXX_COMPILER} DIRECTORY)
+    set(found)
+    foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+                        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE "${path}")
+            set(path ${compiler_dir}/${name})
+        endif()
+        if(EXISTS ${path})
+            list(APPEND found ${path})
+        endif()
+    endforeach()
+    set(${result} ${found} PARENT_SCOPE)
+endfunction()

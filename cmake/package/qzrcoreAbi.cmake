@@ -1,0 +1,23 @@
+# qzrcore_check_abi(<variable>): why the project's compiler does not fit the library; empty when it fits.
+set(qzrcore_abi_source ${CMAKE_CURRENT_LIST_DIR}/qzrcoreAbi.cpp)
+
+function(qzrcore_check_abi result)
+    set(${result} "" PARENT_SCOPE)
+    if(NOT CMAKE_CXX_COMPILER_LOADED)
+        set(${result} "qzrcore is a C++ library: enable the language CXX before it is looked for." PARENT_SCOPE)
+        return()
+    endif()
+    if(qzrcore_ABI_FITS)
+        return()
+    endif()
+    set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY) # nothing needs to be linked for this
+    try_compile(fits ${CMAKE_CURRENT_BINARY_DIR}/qzrcore-abi SOURCES ${qzrcore_abi_source} OUTPUT_VARIABLE output)
+    if(fits)
+        set(qzrcore_ABI_FITS TRUE CACHE INTERNAL "The compiler can use the library")
+    elseif(output MATCHES "qzrcore: ([^\"\r\n]*)")
+        set(${result} "${CMAKE_CXX_COMPILER} cannot use qzrcore: ${CMAKE_MATCH_1}." PARENT_SCOPE)
+    else()
+        set(${result} "${CMAKE_CXX_COMPILER} does not compile ${qzrcore_abi_source}:\n${output}" PARENT_SCOPE)
+    endif()
+    unset(fits CACHE)
+endfunction()
