@@ -18,6 +18,9 @@ constexpr unsigned hash_name(std::string_view name) {
     return hash;
 }
 
+// The same for a text with a terminator, when the program runs.
+unsigned hash_text(const char* name) noexcept;
+
 // ASCII letters in lower case; all other bytes as they are, whatever the locale says of them.
 constexpr unsigned hash_name_folded(std::string_view name) {
     unsigned hash = 0;

@@ -36,7 +36,7 @@ ObjectRegistry::~ObjectRegistry() {
 bool ObjectRegistry::is_open() noexcept { return open; }
 
 int ObjectRegistry::add(const char* name, const char* dllpath) {
-    const unsigned hash = hash_name(name);
+    const unsigned hash = hash_text(name);
     if (entries_.find(hash) != nullptr) return 1;
     try {
         BlockPtr<CRegistryEntry> entry(block_new<CRegistryEntry>());
@@ -51,7 +51,7 @@ int ObjectRegistry::add(const char* name, const char* dllpath) {
 }
 
 int ObjectRegistry::add(const char* name, HINSTANCE module) {
-    const unsigned hash = hash_name(name);
+    const unsigned hash = hash_text(name);
     if (entries_.find(hash) != nullptr) return 1;
     const QZObjectFactory factory = find_export(module, name);
     if (factory == nullptr) return 0;
@@ -64,7 +64,7 @@ int ObjectRegistry::add(const char* name, HINSTANCE module) {
 }
 
 int ObjectRegistry::remove(const char* name) noexcept {
-    CRegistryEntry* const entry = entries_.find(hash_name(name));
+    CRegistryEntry* const entry = entries_.find(hash_text(name));
     if (entry == nullptr) return 0;
     entries_.remove(entry);
     block_delete(entry);
@@ -72,13 +72,13 @@ int ObjectRegistry::remove(const char* name) noexcept {
 }
 
 bool ObjectRegistry::contains(const char* name) const noexcept {
-    return entries_.find(hash_name(name)) != nullptr;
+    return entries_.find(hash_text(name)) != nullptr;
 }
 
 // The module is recorded before its export is looked up and is all that later calls look at: a module that
 // lacks its export stays without a factory. It is never unloaded, since objects of it may live anywhere.
 QZObjectFactory ObjectRegistry::factory_of(const char* name) {
-    const unsigned hash = hash_name(name);
+    const unsigned hash = hash_text(name);
     CRegistryEntry* entry = entries_.find(hash);
     if (entry == nullptr) return nullptr;
     if (entry->module != nullptr) return entry->factory;

@@ -147,11 +147,12 @@ int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
     if (part.empty()) part = whole_name(value_name(nullptr));
     const NameEntry* const entry = node->find_value(part.hash);
     if (entry == nullptr) return 0;
+    if (is_plain(entry->value) && !owns_something(*out)) {
+        unpack_plain(entry->value, *out);
+        return 1;
+    }
     const tagQZVARIANT value = borrowed(entry->value);
-    if (owns_something(value))
-        QZVariantCopy(out, &value);
-    else
-        replace_value(*out, value);
+    QZVariantCopy(out, &value);
     return 1;
 }
 

@@ -2,9 +2,7 @@
 // record is twice too large and a block of its own a waste.
 #pragma once
 
-#include "qzvariant.h"
-
-#include <cstring>
+#include "variant/type_table.h"
 
 namespace qzr {
 
@@ -41,6 +39,19 @@ PackedValue pack(const tagQZVARIANT& value);
 
 // The value as a record that borrows everything, its text too: good as long as the packed one stays in place.
 tagQZVARIANT borrowed(const PackedValue& packed);
+
+// Whether the bytes are those of the record, and all there is to it: so with most values.
+inline bool is_plain(const PackedValue& packed) {
+    return packed.code < QZVT_COUNT && kVariantTypes[packed.code].ownership == Ownership::kNone;
+}
+
+// Writes a plain value over a record that owns nothing.
+inline void unpack_plain(const PackedValue& packed, tagQZVARIANT& record) {
+    char* const bytes = static_cast<char*>(payload(record));
+    record.vt = packed.code;
+    std::memcpy(bytes, packed.bytes, PackedValue::kRoom);
+    std::memset(bytes + PackedValue::kRoom, 0, sizeof record.rrectVal - PackedValue::kRoom);
+}
 
 // Gives up what the value owns; its bytes stay as they are. release() lets pass what an object throws while
 // it is released, drop() does not.

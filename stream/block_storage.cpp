@@ -10,8 +10,8 @@ namespace qzr {
 
 namespace {
 
-// Up to here copying is as cheap as asking the system for address space.
-constexpr std::size_t kMostInHeap = std::size_t{1} << 20;
+// Larger blocks the heap would get from the system one by one, with a copy each time.
+constexpr std::size_t kMostInHeap = std::size_t{256} << 10;
 
 // Blocks that pass the first reservation move once more, to one that holds whatever a stream can.
 constexpr std::size_t kFirstReservation = std::size_t{256} << 20;

@@ -3,6 +3,7 @@
 #include "core/hash_map.h"
 
 #include "core/name_hash.h"
+#include "core/name_hash_block.h"
 #include "qzheap.h"
 
 #include <gtest/gtest.h>
@@ -60,6 +61,18 @@ TEST(NameHash, TakesBytesAsSigned) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(qzr::hash_name(row.name), row.hash);
         EXPECT_EQ(qzr::hash_name_folded(row.name), row.folded);
+    }
+}
+
+TEST(NameHash, IsTheSameSixteenAtATime) {
+    std::minstd_rand random(7);
+    for (unsigned size = 0; size <= 16; ++size) {
+        std::string before = "a\xFF", block(16, '\0');
+        for (char& c : block)
+            c = static_cast<char>(random());
+        EXPECT_EQ(qzr::hash_block(qzr::hash_name(before), qzr::load_block(block.data()), size),
+                  qzr::hash_name(before + block.substr(0, size)))
+            << size;
     }
 }
 

@@ -5,7 +5,9 @@
 #include "support/counting_object.h"
 #include "support/param_outline.h"
 
+#include <cstring>
 #include <mbctype.h>
+#include <windows.h>
 
 namespace {
 
@@ -146,6 +148,27 @@ TEST(MemParamNames, PathsHaveNoLimit) {
     const CQZRef<IParam> root = memory_tree({{"create", path}, {"set", path}});
     EXPECT_EQ(get_int(*root, path.c_str()), 2);
     EXPECT_EQ(take_names(root->EnumSubParams()), std::vector<std::string>{node});
+}
+
+// Names are read in blocks, and no block reaches into memory that is not there.
+TEST(MemParamNames, NamesMayEndWhereMemoryEnds) {
+    constexpr std::size_t kPage = 4096;
+    char* const pages = static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_NE(VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE), nullptr);
+    const CQZRef<IParam> root = memory_tree();
+    const std::string letters = "AbCdE\x83"
+                                "gHiJkLmNoPqR[T`VwX{z@1\xFF"
+                                "3";
+    for (std::size_t size = 1; size <= letters.size(); ++size) {
+        const std::string name = letters.substr(letters.size() - size);
+        char* const at_the_end = pages + kPage - size - 1;
+        std::memcpy(at_the_end, name.c_str(), size + 1);
+        set_int(*root, at_the_end, static_cast<int>(size));
+        EXPECT_EQ(get_int(*root, name.c_str()), static_cast<int>(size)) << name;
+        EXPECT_EQ(take_names(root->EnumValues()).back(), name);
+    }
+    EXPECT_EQ(take_names(root->EnumValues()).size(), letters.size());
+    VirtualFree(pages, 0, MEM_RELEASE);
 }
 
 // 0x83 0x5C is one character in code page 932, and a letter and a separator elsewhere.

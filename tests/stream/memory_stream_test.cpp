@@ -127,7 +127,7 @@ TEST_F(MemoryStream, AnEndPast4GiBIsRefusedBeforeAnythingMoves) {
     EXPECT_EQ(capacity(), 4096);
 }
 
-// Blocks over 1 MiB live in address space of their own; one of 128 MiB that more than doubles leaves it.
+// Large blocks live in address space of their own; one of 128 MiB that more than doubles leaves it.
 TEST_F(MemoryStream, LargeBlocksKeepTheirBytesWhenTheyMove) {
     constexpr unsigned kMiB = 1u << 20;
     const unsigned places[] = {0, kMiB - 1, kMiB, 5 * kMiB + 1, 120 * kMiB, 128 * kMiB - 1};
