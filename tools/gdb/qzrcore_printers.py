@@ -141,14 +141,16 @@ def listed(names):
     if names is None:
         return
     slots = names["slots_"]
-    segment_size = int(slots["kSegment"])
-    for at in range(int(slots["size_"])):
-        behind, place = divmod(at, segment_size)
-        segment = slots["more_"]["_M_impl"]["_M_start"][behind - 1] if behind else slots["first_"]
-        entry = segment[place]
-        state = str(entry["state"]).rpartition("::")[2]
-        if state != "kHole":
-            yield entry["name"].string(errors="replace"), entry["value"], state == "kFound"
+    size, segment_size = int(slots["size_"]), int(slots["kSegment"])
+    for first in range(0, size, segment_size):
+        segment = slots["more_"]["_M_impl"]["_M_start"][first // segment_size - 1] if first else slots["first_"]
+        count = min(segment_size, size - first)
+        entries = segment.cast(segment.type.target().array(count - 1).pointer()).dereference()
+        entries.fetch_lazy()  # at once: each reading from another machine takes its time
+        for entry in (entries[at] for at in range(count)):
+            state = str(entry["state"]).rpartition("::")[2]
+            if state != "kHole":
+                yield entry["name"].string(errors="replace"), entry["value"], state == "kFound"
 
 
 def record_of(packed):
@@ -160,7 +162,7 @@ def record_of(packed):
     if code == int(packed["kShortText"]):
         code, payload = TEXT, int(room.address).to_bytes(8, "little")
     else:
-        payload = gdb.selected_inferior().read_memory(int(room.address), int(packed["kRoom"])).tobytes()
+        payload = bytes(int(room[at]) & 0xFF for at in range(int(packed["kRoom"])))
     return gdb.Value((code.to_bytes(8, "little") + payload).ljust(record.sizeof, b"\0"), record)
 
 
