@@ -1,4 +1,4 @@
-// The font in which translated dialogs are shown.
+// The font for windows with translated texts. Templates keep their own: translated copies are not changed.
 #pragma once
 
 #include "core/windows_lean.h"
