@@ -68,8 +68,8 @@ QZR_API void Fio_UrlGetFileInfo(const wchar_t* url, FioFileInfo* info);
 /// @return 1, or 0 when that fails
 QZR_API int Fio_UrlIsWritableDir(const wchar_t* url);
 
-/// @return 0 for null and for a file that is listed as read-only; else what Fio_UrlIsWritableDir answers for
-///         the directory of the URL, whether there is such a file or not
+/// @return 0 for null, for a name that cannot be sent and for a file that is listed as read-only; else what
+///         Fio_UrlIsWritableDir answers for the directory of the URL, whether there is such a file or not
 QZR_API int Fio_UrlIsWritableFile(const wchar_t* url);
 
 /// Brings a remote file to a temporary one and opens that as Fio_Open does; GetName answers its path. What is
