@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <windows.h>
 
 namespace bench {
@@ -24,7 +25,22 @@ namespace {
 using benchmark::DoNotOptimize;
 using benchmark::State;
 
-class Shape final : public CQZUnknownImpl<IShape> {
+// Asking the runtime for memory would be four fifths of the time on either side, and is the doing of neither:
+// each class keeps the block of the object that went last for the next one.
+template <class T>
+class KeepsItsBlock {
+public:
+    static void* operator new(std::size_t size) {
+        void* const block = std::exchange(kept_, nullptr);
+        return block != nullptr ? block : ::operator new(size);
+    }
+    static void operator delete(void* block) { ::operator delete(std::exchange(kept_, block)); }
+
+private:
+    static inline void* kept_ = nullptr;
+};
+
+class Shape final : public CQZUnknownImpl<IShape>, public KeepsItsBlock<Shape> {
 public:
     int Corners() override { return 5; }
 };
@@ -36,7 +52,7 @@ struct Drawable {
     virtual ~Drawable() = default;
     virtual int corners() = 0;
 };
-struct StandardShape final : Base, Drawable {
+struct StandardShape final : Base, Drawable, KeepsItsBlock<StandardShape> {
     int corners() override { return 5; }
 };
 

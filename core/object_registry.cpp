@@ -1,6 +1,5 @@
 #include "core/object_registry.h"
 
-#include "core/name_hash.h"
 #include "core/system_error.h"
 
 namespace qzr {
@@ -75,14 +74,9 @@ bool ObjectRegistry::contains(const char* name) const noexcept {
     return entries_.find(hash_text(name)) != nullptr;
 }
 
-// The module is recorded before its export is looked up and is all that later calls look at: a module that
-// lacks its export stays without a factory. It is never unloaded, since objects of it may live anywhere.
-QZObjectFactory ObjectRegistry::factory_of(const char* name) {
-    const unsigned hash = hash_text(name);
+// The module is never unloaded, since objects of it may live anywhere.
+QZObjectFactory ObjectRegistry::load_factory(unsigned hash) {
     CRegistryEntry* entry = entries_.find(hash);
-    if (entry == nullptr) return nullptr;
-    if (entry->module != nullptr) return entry->factory;
-
     const HINSTANCE module = LoadLibraryA(entry->path);
     if (module == nullptr) return nullptr;
     entry = entries_.find(hash); // a module may register and unregister while it is being loaded

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/hash_map.h"
+#include "core/name_hash.h"
 #include "core/windows_lean.h"
 #include "qzobject.h"
 #include "qzstring.h"
@@ -12,9 +13,9 @@ namespace qzr {
 // loaded module: module and factory are set from the start, the texts are empty.
 struct CRegistryEntry : HashLink {
     HINSTANCE module = nullptr;
+    QZObjectFactory factory = nullptr;
     CXString path;
     CXString export_name;
-    QZObjectFactory factory = nullptr;
 };
 
 // The functions of qzobject.h without their guards. No locks: callers serialise. Names are not null.
@@ -32,9 +33,20 @@ public:
     int add(const char* name, HINSTANCE module);
     int remove(const char* name) noexcept;
     bool contains(const char* name) const noexcept;
-    QZObjectFactory factory_of(const char* name); // loads the module when need be; null when there is none
+
+    // Loads the module when need be; null when there is none. The module is recorded before its export is
+    // looked up and is all that later calls look at: a module that lacks its export stays without a factory.
+    QZObjectFactory factory_of(const char* name) {
+        const unsigned hash = hash_text(name);
+        const CRegistryEntry* const entry = entries_.find(hash);
+        if (entry == nullptr || entry->module != nullptr) [[likely]]
+            return entry != nullptr ? entry->factory : nullptr;
+        return load_factory(hash);
+    }
 
 private:
+    QZObjectFactory load_factory(unsigned hash);
+
     static constexpr unsigned kBuckets = 117;
 
     HashMap<CRegistryEntry, kBuckets> entries_;
