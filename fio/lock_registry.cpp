@@ -55,7 +55,7 @@ bool LockRegistry::count_one_more(std::wstring_view folded, bool exclusive) {
 }
 
 // Whether the file exists is asked without holding the others up: a server may have to answer.
-void LockRegistry::lock(const wchar_t* path, bool exclusive) {
+void LockRegistry::lock(const wchar_t* path, bool exclusive, Target target) {
     const FoldedPath folded(path);
     if (!folded.valid()) return;
     {
@@ -63,7 +63,7 @@ void LockRegistry::lock(const wchar_t* path, bool exclusive) {
         if (enabled_ == 0 && is_memory_path(path)) return;
         if (count_one_more(folded.text(), exclusive)) return;
     }
-    const bool must_open = exclusive || Fio_IsFileExist(path) != 0;
+    const bool must_open = exclusive || target == Target::kExists || Fio_IsFileExist(path) != 0;
     const std::lock_guard guard(lock_);
     if (count_one_more(folded.text(), exclusive)) return;
     Record record;

@@ -21,7 +21,10 @@ class LockRegistry {
 public:
     // Takes one lock. A new record keeps the file open, if there is one; a shared lock on a missing file is
     // recorded all the same. Failure to open it leaves no trace.
-    void lock(const wchar_t* path, bool exclusive);
+    void lock(const wchar_t* path, bool exclusive) { lock(path, exclusive, Target::kUnknown); }
+
+    // The same for a file that the caller has just looked up: that costs more than the lock.
+    void lock_existing(const wchar_t* path, bool exclusive) { lock(path, exclusive, Target::kExists); }
 
     // Gives one lock back; the last one's end closes the file. Counts never go below 0.
     void unlock(const wchar_t* path, bool exclusive);
@@ -61,6 +64,9 @@ private:
     };
     using Records =
         std::unordered_map<Text, Record, Hash, Equal, HeapAllocator<std::pair<const Text, Record>>>;
+
+    enum class Target { kUnknown, kExists };
+    void lock(const wchar_t* path, bool exclusive, Target target);
 
     // These want the lock held.
     Records::iterator find(const wchar_t* path);

@@ -1,6 +1,7 @@
 #include "fio/mapped_file.h"
 
 #include "core/system_error.h"
+#include "fio/short_copy.h"
 
 #include <algorithm>
 #include <cstring>
@@ -47,7 +48,7 @@ unsigned CXFile::InternalRelease() {
 unsigned CXFile::Read(void* buffer, unsigned count) {
     const unsigned n = std::min(count, left());
     if (n == 0) return 0;
-    std::memcpy(buffer, mapped_up_to(std::uint64_t{position_} + n) + position_, n);
+    copy_maybe_short(buffer, mapped_up_to(std::uint64_t{position_} + n) + position_, n);
     position_ += n;
     return n;
 }

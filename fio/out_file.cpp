@@ -1,6 +1,7 @@
 #include "fio/out_file.h"
 
 #include "core/scope_exit.h"
+#include "fio/file_state.h"
 #include "fio/forwarded_file.h"
 #include "fio/mapped_file.h"
 #include "fio/temp_name.h"
@@ -128,7 +129,7 @@ CXOutFile::CXOutFile(const wchar_t* target, int mode)
         return;
     }
     if (keep) temp_.copy_from(target_.get());
-    Fio_LockFile(target_.get(), false);
+    file_state().locks.lock_existing(target_.get(), false);
     ScopeExit unlock([this] { Fio_UnlockFile(target_.get(), false); });
     open_inner(mode);
     unlock.dismiss();
@@ -211,7 +212,8 @@ void CXOutFile::rename_to_target(bool target_deleted) {
 }
 
 IXOutFile* open_out_file(const wchar_t* target, int mode) {
-    if (Fio_IsFileExist(target) != 0 && Fio_IsWritableFile(target) == 0) throw CXException(QZERR_ACCESS);
+    // In this order since most files can be written, and looking one up costs twice as much as opening it.
+    if (Fio_IsWritableFile(target) == 0 && Fio_IsFileExist(target) != 0) throw CXException(QZERR_ACCESS);
     return new (std::nothrow) CXOutFile(target, mode);
 }
 

@@ -16,6 +16,8 @@ namespace {
 // make it read where nothing is.
 constexpr int kMostCharacters = 32766;
 
+constexpr unsigned kFirstRoom = 4096;
+
 bool fits(const char* text) {
     if (text == nullptr) return true;
     const std::size_t size = text_length(text);
@@ -48,13 +50,21 @@ const char* ProfileNames::next() noexcept {
     return nullptr;
 }
 
-unsigned Profile::read(const char* section, const char* key, Vector<char>& text) const {
-    text.assign(kProfileRoom, '\0');
-    if (!fits(section) || !fits(key) || !fits(file_)) return 0;
-    const DWORD got = GetPrivateProfileStringA(section, key, "", text.data(), kProfileRoom, file_);
-    const unsigned size = std::min<unsigned>(got, kProfileRoom - 1);
+unsigned Profile::get(const char* section, const char* key, unsigned room, Vector<char>& text) const {
+    text.assign(room, '\0');
+    const DWORD got = GetPrivateProfileStringA(section, key, "", text.data(), room, file_);
+    const unsigned size = std::min<unsigned>(got, room - 1);
     text[size] = '\0';
     return size;
+}
+
+// Most texts are short, and making all the room ready costs more than finding one.
+unsigned Profile::read(const char* section, const char* key, Vector<char>& text) const {
+    text.assign(1, '\0');
+    if (!fits(section) || !fits(key) || !fits(file_)) return 0;
+    const unsigned size = get(section, key, kFirstRoom, text);
+    const bool cut = size + 2 >= kFirstRoom; // there may be more
+    return cut ? get(section, key, kProfileRoom, text) : size;
 }
 
 ProfileNames Profile::list(const char* section) const {

@@ -57,6 +57,7 @@ public:
 
 private:
     ProfileNames list(const char* section) const;
+    unsigned get(const char* section, const char* key, unsigned room, Vector<char>& text) const;
 
     const char* file_;
 };

@@ -353,6 +353,18 @@ TEST_F(Ini, DropsWhatIsTooLongForThePlatform) {
     EXPECT_EQ(contents(), before);
 }
 
+TEST_F(Ini, ReadsTextsWholeThatNeedMoreRoomThanMost) {
+    const Tree root = new_tree();
+    for (int size = 4091; size <= 4096; ++size) {
+        SCOPED_TRACE(size);
+        const CQZVariant written((std::string(size - 1, 'x') + 'y').c_str());
+        CQZVariant read;
+        root->SetValue("v", &written);
+        ASSERT_EQ(root->GetValue("v", &read), 1);
+        EXPECT_TRUE(read == written);
+    }
+}
+
 TEST_F(IniScale, CutsListsAt64000Bytes) {
     const std::string tail(1595, 'x');
     std::string text = "[\\]\r\n";
