@@ -72,8 +72,8 @@ QZR_API int Supp_Translate(HWND window);
 // ------------------------------------------------------------------------------------------ dialogs' fonts
 
 /// @return the font for windows with translated texts: on systems with double-byte characters the system's
-///         font for user interfaces, which is not to be deleted; null on all others. Dialogs of templates keep
-///         the font that their template names.
+///         font for user interfaces, which is not to be deleted; null on all others. Dialogs of templates
+///         keep the font that their template names.
 QZR_API HFONT Supp_GetFont();
 
 QZR_API void Supp_SetDialogFont(HWND dialog); ///< does nothing; kept so that callers link

@@ -26,7 +26,7 @@ private:
 
 class FtpMisbehaviour : public FtpTest {
 protected:
-    static constexpr ULONGLONG kBound = 20000; // milliseconds, of which the platform may use many
+    static constexpr ULONGLONG kBound = 60000; // milliseconds, of which the platform may use many
 
     // Runs an attempt with the clock in sight.
     template <class Attempt>
