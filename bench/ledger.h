@@ -57,6 +57,7 @@ void storage_rows(Ledger& ledger);
 void stream_rows(Ledger& ledger);
 void string_rows(Ledger& ledger);
 void tree_form_rows(Ledger& ledger);
+void tree_memory_rows(Ledger& ledger);
 void tree_rows(Ledger& ledger);
 void variant_rows(Ledger& ledger);
 

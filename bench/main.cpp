@@ -106,6 +106,7 @@ int main(int argc, char** argv) {
     bench::heap_rows(rows);
     bench::stream_rows(rows);
     bench::tree_rows(rows);
+    bench::tree_memory_rows(rows);
     bench::tree_form_rows(rows);
     bench::object_rows(rows);
     bench::dictionary_rows(rows);
