@@ -1,7 +1,6 @@
 // Dialog templates with other texts: bytes in, bytes out.
 #include "supp/dialog_template.h"
 
-#include "tests/fuzz/mutation.h"
 #include "tests/support/hex.h"
 
 #include <gtest/gtest.h>
@@ -167,33 +166,6 @@ TEST(DialogTemplate, TextsAreReplacedAndTheRestStays) {
             EXPECT_EQ(test::to_hex(out), test::to_hex(row.out));
         }
     }
-}
-
-// What comes out of a template in which nothing is translated reads back as itself; whatever goes in, nothing
-// outside it is read.
-TEST(DialogTemplate, DamagedTemplatesAreSurvived) {
-    std::vector<std::string> corpus;
-    for (const Row& row : rows())
-        corpus.push_back(row.in);
-    const std::vector<std::string> pieces = {hex("ff ff"), hex("00 00"), hex("ff 7f"), hex("01 00 ff ff"),
-                                             hex("40 00"), wide("Yes"),  kPlainItem,   kExtendedItem};
-    fuzz::Mutator mutator(corpus, pieces, 20240601);
-    FencedBytes fenced(8192);
-    unsigned sound = 0;
-    for (unsigned i = 0; i < 200000; ++i) {
-        const std::string in = mutator.next();
-        Vector<std::byte> copy;
-        if (!translate_dialog_template(fenced.put(in), in.size(), DialogChanges{to_french, {}}, copy))
-            continue;
-        ++sound;
-        mutator.keep(in);
-        Vector<std::byte> again;
-        const auto keep = [](const wchar_t*) -> const wchar_t* { return nullptr; };
-        ASSERT_TRUE(translate_dialog_template(copy.data(), copy.size(), DialogChanges{keep, {}}, again))
-            << test::to_hex(in);
-        ASSERT_EQ(copy, again) << test::to_hex(in);
-    }
-    EXPECT_GT(sound, 10000u);
 }
 
 TEST(DialogTemplate, PlacesAreReplaced) {

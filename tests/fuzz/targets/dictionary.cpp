@@ -1,9 +1,9 @@
-// Dictionary files under mutation: none crashes or hangs, and each is read as a plain reader reads it. The
-// companion file has the same bytes, so whatever reads those is tried too.
-#include "mutation.h"
-
+// Dictionary files: each is read as a plain reader reads it.
+#include "supp/dictionary.h"
+#include "fuzz/low_bytes.h"
+#include "qzref.h"
 #include "qzstring.h"
-#include "qzsupp.h"
+#include "supp/dictionary_reader.h"
 
 #include <algorithm>
 #include <cstring>
@@ -96,51 +96,37 @@ unsigned hash_of(const CXStringW& text) {
 
 // --- comparing
 
-std::unordered_map<unsigned, std::string> known; // what the library must know by now
-
-void learn(const std::string& source, const std::string& translation) {
-    known.try_emplace(hash_of(CXStringW(source.c_str())), translation.empty() ? source : translation);
+void load(const std::wstring& path, qzr::Dictionary& dictionary) {
+    const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path.c_str(), QZFILE_READ));
+    qzr::DictionaryReader reader(*file);
+    while (reader.next()) {
+        reader.unescape();
+        dictionary.add(reader.source(), reader.translation());
+    }
 }
 
-void compare(const std::string& source, std::string_view input) {
-    const CXStringW key(source.c_str());
-    if (*key.GetData() == 0) return;
-    const wchar_t* const found = Supp_Translate(key.GetData());
-    const CXStringW expected(known[hash_of(key)].c_str());
-    if (expected != found) fuzz::fail("another translation", input);
-}
-
-// Memory below 2 GiB, which a path can name. A line that starts in it may end behind it, so it is followed by
-// nothing that can be read.
-char* low_memory(std::size_t size) {
-    for (ULONG_PTR address = 0x10000000; address < 0x60000000; address += 0x100000)
-        if (void* const p = VirtualAlloc(reinterpret_cast<void*>(address), size, MEM_RESERVE | MEM_COMMIT,
-                                         PAGE_READWRITE))
-            return static_cast<char*>(p);
-    fuzz::fail("no memory below 2 GiB", "");
-}
-
-bool run(const std::string& input) {
-    constexpr std::size_t kRoom = 64 * 1024;
-    static char* const memory = low_memory(kRoom);
-    char* const bytes = memory + kRoom - input.size();
-    std::memcpy(bytes, input.data(), input.size());
-    const std::wstring path = L"fmem::" + std::to_wstring(reinterpret_cast<ULONG_PTR>(bytes)) + L"," +
-                              std::to_wstring(input.size());
-    if (Supp_AddWld(path.c_str()) != 1) fuzz::fail("not loaded", input);
+void run(const std::string& input) {
+    static fuzz::LowBytes memory(64 * 1024);
+    qzr::Dictionary dictionary;
+    load(memory.put(input), dictionary);
     const std::vector<std::string> entries = entries_of(input);
+    std::unordered_map<unsigned, std::string> known; // what the dictionary must know, by hash
     std::string translation;
     for (std::size_t i = 0; i < entries.size(); i += 2) {
+        const std::string source = unescaped(entries[i]);
         if (i + 1 < entries.size()) translation = unescaped(entries[i + 1]);
-        learn(unescaped(entries[i]), translation);
+        known.try_emplace(hash_of(CXStringW(source.c_str())), translation.empty() ? source : translation);
     }
-    for (std::size_t i = 0; i < entries.size(); i += 2)
-        compare(unescaped(entries[i]), input);
-    return entries.size() > 2;
+    for (const auto& [hash, expected] : known) {
+        qzr::DictionaryEntry* const entry = dictionary.find(hash);
+        fuzz::require(entry != nullptr, "an entry is missing");
+        fuzz::require(qzr::narrow_translation(*entry) == expected, "another translation");
+        fuzz::require(CXStringW(expected.c_str()) == qzr::wide_translation(*entry),
+                      "another wide translation");
+    }
 }
 
 } // namespace
 
-int main(int argc, char** argv) {
-    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 8117), 200000, run);
-}
+const fuzz::Target fuzz::kDictionary{
+    .name = "dictionary", .run = run, .seeds = corpus, .pieces = pieces, .longest = 20000};

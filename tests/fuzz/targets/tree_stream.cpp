@@ -1,6 +1,6 @@
 // The binary form under mutation: no bytes crash or hang, and what was loaded is saved so that it loads the
 // same.
-#include "mutation.h"
+#include "fuzz/target.h"
 
 #include "qzexception.h"
 #include "qzparam.h"
@@ -51,9 +51,9 @@ Stream stream_of(const std::string& bytes) {
     return stream;
 }
 
-std::string saved(IParam& tree, std::string_view input) {
+std::string saved(IParam& tree) {
     const Stream stream = stream_of({});
-    if (SaveParamToXStream(stream.Get(), &tree) != 1) fuzz::fail("not saved", input);
+    fuzz::require(SaveParamToXStream(stream.Get(), &tree) == 1, "not saved");
     std::string bytes(stream->GetSize(), '\0');
     stream->Seek(0, 0);
     stream->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
@@ -100,32 +100,28 @@ Survey survey(const Tree& root) {
     return found;
 }
 
-bool run(const std::string& input) {
+void run(const std::string& input) {
     const Tree tree = Tree::Adopt(new_MemParam());
     try {
         if (LoadParamFromXStream(stream_of(input).Get(), tree.Get()) == 0) {
-            if (saved(*tree, input) != "\0\0"s) fuzz::fail("not emptied", input);
-            return false;
+            fuzz::require(saved(*tree) == "\0\0"s, "not emptied");
+            return;
         }
     } catch (const CXException&) { // of an object in the stream, or of a blob beyond reason
-        return false;
+        return;
     }
     const Survey found = survey(tree);
-    if (found.huge) return false;
-    const std::string first = saved(*tree, input);
+    if (found.huge) return;
+    const std::string first = saved(*tree);
     const Tree again = Tree::Adopt(new_MemParam());
     try {
         const int loaded = LoadParamFromXStream(stream_of(first).Get(), again.Get());
-        if (found.plain && (loaded != 1 || saved(*again, input) != first))
-            fuzz::fail("changed by a round trip", input);
+        if (found.plain) fuzz::require(loaded == 1 && saved(*again) == first, "changed by a round trip");
     } catch (const CXException&) {
-        if (found.plain) fuzz::fail("not loaded again", input);
+        fuzz::require(!found.plain, "not loaded again");
     }
-    return first.size() > 2;
 }
 
 } // namespace
 
-int main(int argc, char** argv) {
-    return fuzz::main_loop(argc, argv, fuzz::Mutator(corpus(), pieces(), 40099), 200000, run);
-}
+const fuzz::Target fuzz::kTreeStream{.name = "tree_stream", .run = run, .seeds = corpus, .pieces = pieces};
