@@ -8,6 +8,7 @@
 #include "core/allocator.h"
 #include "core/win_handle.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -53,11 +54,12 @@ private:
                got == bytes.size();
     }
 
-    // What lies behind the end of a file that was cut short reads as free.
-    Bytes sector(unsigned number) {
-        Bytes bytes(std::size_t{1} << shift_, 0xFF);
-        if (!read((std::uint64_t{number} + 1) << shift_, bytes)) bytes.assign(bytes.size(), 0xFF);
-        return bytes;
+    // What lies behind the end of a file that was cut short reads as free. The bytes live until the next
+    // call.
+    const Bytes& sector(unsigned number) {
+        sector_.resize(std::size_t{1} << shift_);
+        if (!read((std::uint64_t{number} + 1) << shift_, sector_)) sector_.assign(sector_.size(), 0xFF);
+        return sector_;
     }
 
     bool takes_sizes(const Bytes& header) {
@@ -70,8 +72,10 @@ private:
     }
 
     void append(Table& table, const Bytes& bytes) {
-        for (std::size_t at = 0; at < bytes.size(); at += 4)
-            table.push_back(dword(&bytes[at]));
+        static_assert(std::endian::native == std::endian::little, "as stored");
+        const std::size_t before = table.size();
+        table.resize(before + bytes.size() / sizeof(unsigned));
+        std::memcpy(&table[before], bytes.data(), bytes.size());
     }
 
     // The sectors that the sector table lies in, then the table.
@@ -117,7 +121,7 @@ private:
     bool takes_directory(unsigned first) {
         if (!ends(table_, first)) return false;
         for (unsigned at = first; at < kFirstMark; at = table_[at]) {
-            const Bytes bytes = sector(at);
+            const Bytes& bytes = sector(at);
             directory_.insert(directory_.end(), bytes.begin(), bytes.end());
         }
         return !directory_.empty();
@@ -167,6 +171,7 @@ private:
     }
 
     FileHandle file_;
+    Bytes sector_;
     unsigned shift_ = 0;        // a sector has 1 << shift_ bytes
     std::uint64_t sectors_ = 0; // in the file, the header counted
     Table table_, small_table_;
