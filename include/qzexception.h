@@ -47,8 +47,8 @@ class QZR_API CXException {
 public:
     /// @param code one of QZError, or a code of the application's own
     explicit CXException(unsigned code) noexcept;
-    CXException(const CXException&) noexcept = default;
-    CXException& operator=(const CXException&) noexcept = default;
+    CXException(const CXException&) noexcept = default;            ///< copies
+    CXException& operator=(const CXException&) noexcept = default; ///< copies
     virtual ~CXException();
 
     virtual unsigned GetCode() const; ///< @return the code it was made with
@@ -57,7 +57,7 @@ public:
     /// nothing here, and the library's own classes leave it so.
     virtual void Report();
 
-    unsigned m_nCode;
+    unsigned m_nCode;    ///< the code it was made with
     HINSTANCE m_hModule; ///< this library's module, for loading message resources from
 };
 
@@ -81,12 +81,12 @@ public:
     /// @param operation one of QZFileOperation
     /// @param fileName  the file, stream or storage; null leaves the chosen buffer as it is
     CXFileException(unsigned code, unsigned operation, const wchar_t* fileName) noexcept;
-    CXFileException(const CXFileException& other) noexcept; ///< shares the name
-    CXFileException& operator=(const CXFileException& other) noexcept;
+    CXFileException(const CXFileException& other) noexcept;            ///< shares the name
+    CXFileException& operator=(const CXFileException& other) noexcept; ///< shares the name
     ~CXFileException() override;
 
     const wchar_t* m_pszFileName; ///< never null; ends with a zero within the buffer
-    unsigned m_nOperation;
+    unsigned m_nOperation;        ///< one of QZFileOperation
 };
 
 /// Units in each name buffer of CXFileException, terminator included.
@@ -95,9 +95,9 @@ enum { QZR_EXCEPTION_NAME_UNITS = 1024 };
 /// An object lacks an interface that was required of it. The code is always QZERR_INTERFACE.
 class QZR_API CXIFaceException : public CXException {
 public:
-    explicit CXIFaceException(const std::type_info& iid) noexcept;
-    CXIFaceException(const CXIFaceException&) noexcept = default;
-    CXIFaceException& operator=(const CXIFaceException&) noexcept = default;
+    explicit CXIFaceException(const std::type_info& iid) noexcept;           ///< iid is what was asked for
+    CXIFaceException(const CXIFaceException&) noexcept = default;            ///< copies
+    CXIFaceException& operator=(const CXIFaceException&) noexcept = default; ///< copies
     ~CXIFaceException() override;
 
     const std::type_info* m_pIid; ///< the interface that was asked for

@@ -14,13 +14,16 @@
 #endif
 
 // The platform header below defines the macros min and max unless it is told not to. Nobody wants them.
+/// @cond
 #if !defined(NOMINMAX)
 #define NOMINMAX
 #endif
+/// @endcond
 #include <windef.h> // tagPOINT, tagSIZE, tagRECT, HINSTANCE
 
 #include <typeinfo>
 
+/// Marks what the library exports; its users import it.
 #if defined(QZRCORE_BUILD)
 #define QZR_API __attribute__((dllexport))
 #else

@@ -32,15 +32,21 @@ public:
 
     virtual int Flush() = 0; ///< hands mapped data to the system. @return non-zero on success
 
-    // Typed reads throw (QZERR_EOF, QZOP_READ) when fewer bytes are left than the value has.
+    /// Reads one value. Throws (QZERR_EOF, QZOP_READ) when fewer bytes are left than it has.
+    ///@{
     virtual unsigned char ReadByte() = 0;
     virtual unsigned short ReadWord() = 0;
     virtual unsigned ReadDWord() = 0;
     virtual double ReadDouble() = 0;
+    ///@}
+
+    /// Writes one value, as Write does.
+    ///@{
     virtual void WriteByte(unsigned char value) = 0;
     virtual void WriteWord(unsigned short value) = 0;
     virtual void WriteDWord(unsigned value) = 0;
     virtual void WriteDouble(double value) = 0;
+    ///@}
     virtual void WriteStringW(const wchar_t* text) = 0; ///< the text and its terminator; null is empty
     virtual void WriteString(const char* text) = 0;     ///< the same for narrow text
 
@@ -67,6 +73,8 @@ public:
 /// Release throws nothing.
 class IXOutFile : public IQZUnknown {
 public:
+    /// As in IXFile, on the temporary file.
+    ///@{
     virtual unsigned Read(void* buffer, unsigned count) = 0;
     virtual void Write(const void* buffer, unsigned count) = 0;
     virtual unsigned Seek(unsigned offset, unsigned origin) = 0;
@@ -85,6 +93,7 @@ public:
     virtual int ReadLineW(wchar_t* buffer, int max) = 0;
     virtual int ReadLine(char* buffer, int max) = 0;
     virtual unsigned GetSize() = 0;
+    ///@}
     virtual const wchar_t* GetName() = 0; ///< the target's path
 
     /// Puts the contents in the target's place: brings them to the disk, deletes the target, renames the
@@ -165,14 +174,14 @@ QZR_API void Fio_SetCurrentDirectory(const wchar_t* path); ///< QZOP_CHANGE_DIRE
 
 /// What Fio_GetFileInfo tells. The time is that of the last write, in UTC.
 struct FioFileInfo {
-    unsigned size; ///< low 32 bits of the size in bytes
-    unsigned second;
-    unsigned minute;
-    unsigned hour;
-    unsigned day;
+    unsigned size;      ///< low 32 bits of the size in bytes
+    unsigned second;    ///< 0 to 59
+    unsigned minute;    ///< 0 to 59
+    unsigned hour;      ///< 0 to 23
+    unsigned day;       ///< of the month, from 1 on
     unsigned dayOfWeek; ///< 0 is Sunday
     unsigned month;     ///< 1 to 12
-    unsigned year;
+    unsigned year;      ///< with its century
 };
 static_assert(sizeof(FioFileInfo) == 32, "a record that crosses the boundary");
 

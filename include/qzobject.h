@@ -147,8 +147,8 @@ protected:
 /// A service that wants to know when it joins or leaves a container (told once per name).
 class IQZServiceSink : public IQZUnknown {
 public:
-    virtual void OnServiceAdded(IQZServiceContainer* container) = 0;
-    virtual void OnServiceRemoved(IQZServiceContainer* container) = 0;
+    virtual void OnServiceAdded(IQZServiceContainer* container) = 0;   ///< it is in the container now
+    virtual void OnServiceRemoved(IQZServiceContainer* container) = 0; ///< it is no longer
 
 protected:
     ~IQZServiceSink() = default;

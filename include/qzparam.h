@@ -35,7 +35,7 @@ public:
 
     /// Removes a child and everything under it; who still holds it has an empty node. None is no failure.
     virtual void DeleteSubParam(const char* name) = 0;
-    virtual void DeleteAllSubParams() = 0;
+    virtual void DeleteAllSubParams() = 0; ///< removes all children
 
     /// @return the names of the children, first created first in memory. Null when it cannot be made.
     virtual CTEnum<const char*>* EnumSubParams() = 0;
@@ -50,7 +50,7 @@ public:
     virtual void SetValue(const char* name, const tagQZVARIANT* value) = 0;
 
     virtual void DeleteValue(const char* name) = 0; ///< none is no failure
-    virtual void DeleteAllValues() = 0;
+    virtual void DeleteAllValues() = 0;             ///< removes all values
 
     /// @return the names of the values, first stored first in memory. Null when it cannot be made.
     virtual CTEnum<const char*>* EnumValues() = 0;

@@ -12,18 +12,22 @@
 template <class I>
 class CQZRef {
 public:
-    CQZRef() noexcept : m_p(nullptr) {}
-    CQZRef(decltype(nullptr)) noexcept : m_p(nullptr) {}
+    CQZRef() noexcept : m_p(nullptr) {}                  ///< nothing
+    CQZRef(decltype(nullptr)) noexcept : m_p(nullptr) {} ///< nothing
+    /// Adds a reference.
     CQZRef(const CQZRef& other) : m_p(other.m_p) {
         if (m_p != nullptr) m_p->AddRef();
     }
+    /// Takes the reference over and leaves other empty.
     CQZRef(CQZRef&& other) noexcept : m_p(other.m_p) { other.m_p = nullptr; }
+    /// Releases what was held.
     CQZRef& operator=(CQZRef other) noexcept { // by value: serves copies and moves
         I* mine = m_p;
         m_p = other.m_p;
         other.m_p = mine;
         return *this;
     }
+    /// Releases what is held.
     ~CQZRef() {
         if (m_p != nullptr) m_p->Release();
     }
@@ -55,10 +59,10 @@ public:
         return ref;
     }
 
-    I* Get() const noexcept { return m_p; }
-    I* operator->() const noexcept { return m_p; }
-    I& operator*() const noexcept { return *m_p; }
-    explicit operator bool() const noexcept { return m_p != nullptr; }
+    I* Get() const noexcept { return m_p; }        ///< @return the pointer, still the holder's; or null
+    I* operator->() const noexcept { return m_p; } ///< @return the pointer; not of an empty holder
+    I& operator*() const noexcept { return *m_p; } ///< @return the interface; not of an empty holder
+    explicit operator bool() const noexcept { return m_p != nullptr; } ///< @return whether it holds one
 
     /// Gives the reference away. @return the pointer, which the caller now releases
     I* Detach() noexcept {
@@ -81,10 +85,12 @@ private:
     I* m_p;
 };
 
+/// @return whether both hold the same pointer, or nothing
 template <class I>
 bool operator==(const CQZRef<I>& a, const CQZRef<I>& b) noexcept {
     return a.Get() == b.Get();
 }
+/// @return whether they hold different pointers
 template <class I>
 bool operator!=(const CQZRef<I>& a, const CQZRef<I>& b) noexcept {
     return a.Get() != b.Get();

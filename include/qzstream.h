@@ -29,12 +29,14 @@ public:
 
     virtual unsigned GetPosition() = 0; ///< @return the current position
 
-    // Typed reads. They throw CXEofException when nothing is left; of a value that the end cuts short the
-    // missing bytes are zero.
+    /// Reads one value. Throws CXEofException when nothing is left; of a value that the end cuts short the
+    /// missing bytes are zero.
+    ///@{
     virtual unsigned char ReadByte() = 0;
     virtual unsigned short ReadWord() = 0;
     virtual unsigned ReadDWord() = 0;
     virtual double ReadDouble() = 0;
+    ///@}
 
     /// Reads up to and including a line feed or a zero, at most max characters, and puts a zero behind the
     /// place after the last one: with n characters read before the stop, buffer[n] is the stop character and
@@ -55,10 +57,13 @@ public:
     /// the bytes of a wide text, which does not read back whole; stored files rely on that.
     virtual int WriteVariant(const tagQZVARIANT* v) = 0;
 
+    /// Writes one value.
+    ///@{
     virtual void WriteByte(unsigned char value) = 0;
     virtual void WriteWord(unsigned short value) = 0;
     virtual void WriteDWord(unsigned value) = 0;
     virtual void WriteDouble(double value) = 0;
+    ///@}
     virtual void WriteStringW(const wchar_t* text) = 0; ///< the text and its terminator, no count
     virtual void WriteString(const char* text) = 0;     ///< the same for narrow text
 
@@ -168,13 +173,13 @@ QZR_API void* Stream_GetOLEStream(IXStream* stream);
 /// 0 when the stream belongs to no document. The reserved ones answer 0.
 class IDocStrorageInfo : public IQZUnknown {
 public:
-    virtual int GetStorage(IXStorage** out) = 0; ///< the storage that the top document storage wraps
-    virtual int Reserved2() = 0;
+    virtual int GetStorage(IXStorage** out) = 0;    ///< the storage that the top document storage wraps
+    virtual int Reserved2() = 0;                    ///< @return 0
     virtual int GetDocStorage(IXStorage** out) = 0; ///< the top document storage itself
-    virtual int Reserved4() = 0;
-    virtual int GetRawStream(IXStream** out) = 0; ///< the stream that this one wraps
-    virtual int Reserved6() = 0;
-    virtual unsigned GetFlags() = 0; ///< the document's flags
+    virtual int Reserved4() = 0;                    ///< @return 0
+    virtual int GetRawStream(IXStream** out) = 0;   ///< the stream that this one wraps
+    virtual int Reserved6() = 0;                    ///< @return 0
+    virtual unsigned GetFlags() = 0;                ///< the document's flags
 
 protected:
     ~IDocStrorageInfo() = default;

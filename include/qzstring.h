@@ -21,6 +21,7 @@
 
 class CXStringW;
 
+/// The narrow class: multibyte characters in the process's multibyte code page.
 class QZR_API CXString {
 public:
     CXString() noexcept;
@@ -30,12 +31,15 @@ public:
     virtual ~CXString();
 
     CXString& operator=(const CXString& other); ///< as the copy constructor; `s = s` does nothing
-    CXString& operator=(const wchar_t* text);
+    CXString& operator=(const wchar_t* text);   ///< converts as the constructor does
 
+    /// Strings on the heap are the library's: any module may delete what another has made.
+    ///@{
     static void* operator new(std::size_t size);
     static void operator delete(void* p) noexcept;
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void*, void*) noexcept {}
+    ///@}
 
     // ---- access and measurement
 
@@ -72,14 +76,16 @@ public:
     int FindRevOnOf(const char* set) const;             ///< last character that is one of set
 
     /// Replaces the first occurrence only. @return 1, or 0 when find does not occur
+    ///@{
     int FindReplace(const char* find, const char* repl);
     int FindReplace(const char* find, wchar_t repl);
     int FindReplace(wchar_t find, const char* repl);
     int FindReplace(wchar_t find, wchar_t repl);
+    ///@}
 
     // ---- comparing: negative, 0 or positive; s must not be null
 
-    int Compare(const char* s) const;
+    int Compare(const char* s) const;          ///< by characters
     int CompareI(const char* s) const;         ///< without regard to case
     int CompareN(const char* s, int n) const;  ///< the first n characters
     int CompareIN(const char* s, int n) const; ///< both
@@ -90,17 +96,17 @@ public:
     // characters before pos. Delete(5, -2) removes characters 3 and 4.
 
     CXString& Insert(int pos, const char* s); ///< before character pos; past the end, and below 0, appends
-    CXString& Insert(int pos, wchar_t c);
-    CXString& Delete(int pos, int count);
+    CXString& Insert(int pos, wchar_t c);     ///< the same with one character
+    CXString& Delete(int pos, int count);     ///< removes the range
     /// Replaces a range by s. It never deletes (an empty s changes nothing) nor inserts (nor does an empty
     /// range): use Delete and Insert.
     CXString& Replace(int pos, int count, const char* s);
     int Extract(int pos, int count);                      ///< keeps only the range; @return its bytes
     int Extract(int pos, int count, CXString& out) const; ///< copies the range to out; @return its bytes
-    void TrimLeft();  ///< removes leading white space (isspace, byte by byte)
-    void TrimRight(); ///< removes trailing white space (isspace of a character's first byte)
-    void Upper();
-    void Lower();
+    void TrimLeft();   ///< removes leading white space (isspace, byte by byte)
+    void TrimRight();  ///< removes trailing white space (isspace of a character's first byte)
+    void Upper();      ///< into upper case, by the process's locale
+    void Lower();      ///< into lower case, by the process's locale
     void FreeExtra();  ///< does nothing; kept so that callers link
     void CharToOemA(); ///< does nothing; kept so that callers link
     void OemToCharA(); ///< does nothing; kept so that callers link
@@ -120,9 +126,10 @@ public:
     CXString FilePath() const;           ///< @return the part before that delimiter; a colon is kept
     const char* GetFileExt() const;      ///< @return into the text, or null when there is no extension
     const char* GetFileName() const;     ///< @return into the text
-    // With a null buffer these only measure; size the buffer by that. @return bytes without the zero
+    /// Copies the extension. These three only measure with a null buffer; size the buffer by that.
+    /// @return bytes without the zero
     int GetFileExt(char* buffer) const;
-    int GetFileName(char* buffer) const; ///< without the extension, unlike FileName
+    int GetFileName(char* buffer) const; ///< the name without the extension, unlike FileName
     int GetFilePath(char* buffer) const; ///< 0 and nothing written when there is no delimiter
 
     /// Shortens a rooted path for display by replacing directories in its middle with "...\".
@@ -131,6 +138,8 @@ public:
     int ReducePathString(int maxLength);
 
 protected:
+    /// For classes derived from this one: the steps that the operations are made of. Counts are bytes.
+    ///@{
     void Init();
     void AllocBuffer(unsigned n);
     void ReallocBuffer(unsigned n);
@@ -139,42 +148,56 @@ protected:
     void ConcatCopy(const char* s, unsigned n);
     void ConcatCopyTo(unsigned pos, const char* s, unsigned n);
     void AssignChar(wchar_t c);
+    ///@}
 
 private:
     friend struct CXStringAccess; // the library's own way to the members above
     char* m_pszData;              // never null
 };
 
+/// @return both texts joined, in a block of exactly their size; null counts as "", a character has one or two
+///         bytes
+///@{
 QZR_API CXString operator+(const CXString& a, const CXString& b);
-QZR_API CXString operator+(const CXString& a, const char* b); ///< null counts as ""
-QZR_API CXString operator+(const char* a, const CXString& b); ///< null counts as ""
-QZR_API CXString operator+(const CXString& a, wchar_t b);     ///< one character, one or two bytes
+QZR_API CXString operator+(const CXString& a, const char* b);
+QZR_API CXString operator+(const char* a, const CXString& b);
+QZR_API CXString operator+(const CXString& a, wchar_t b);
 QZR_API CXString operator+(wchar_t a, const CXString& b);
+///@}
 
+/// Compares as CXString::Compare does; b must not be null.
+///@{
 inline bool operator==(const CXString& a, const CXString& b) { return a.Compare(b.GetData()) == 0; }
 inline bool operator!=(const CXString& a, const CXString& b) { return a.Compare(b.GetData()) != 0; }
 inline bool operator==(const CXString& a, const char* b) { return a.Compare(b) == 0; }
 inline bool operator!=(const CXString& a, const char* b) { return a.Compare(b) != 0; }
+///@}
 
 /// The wide class. Where nothing is said a member does what its narrow twin does, in units. Null texts are
-/// taken everywhere: they count as empty, or make the call do nothing; comparing with one answers 1.
+/// taken everywhere: they count as empty, or make the call do nothing; comparing with one answers 1. White
+/// space is what iswspace says.
 class QZR_API CXStringW {
 public:
     CXStringW() noexcept;
-    CXStringW(const CXStringW& other);
-    CXStringW(const char* text); ///< converts by hostMultiByteToUnicode
-    CXStringW(const wchar_t* text);
+    CXStringW(const CXStringW& other); ///< shares the block; copies one that GetBuffer has locked
+    CXStringW(const char* text);       ///< converts by hostMultiByteToUnicode
+    CXStringW(const wchar_t* text);    ///< copies
     virtual ~CXStringW();
 
-    CXStringW& operator=(const CXStringW& other);
+    CXStringW& operator=(const CXStringW& other); ///< as the copy constructor; `s = s` does nothing
 
+    /// Strings on the heap are the library's: any module may delete what another has made.
+    ///@{
     static void* operator new(std::size_t size);
     static void operator delete(void* p) noexcept;
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void*, void*) noexcept {}
+    ///@}
 
+    /// As in CXString, in units.
+    ///@{
     unsigned GetLength() const;
-    unsigned GetSize() const; ///< @return units, not bytes
+    unsigned GetSize() const;
     unsigned GetSize(unsigned n) const;
     unsigned GetSize(unsigned start, unsigned n) const;
     const wchar_t* GetData(unsigned i = 0) const;
@@ -182,16 +205,19 @@ public:
     wchar_t GetAt(unsigned i) const;
     wchar_t* GetBuffer(int n);
     void ReleaseBuffer(int unused = -1);
+    ///@}
     int GetAllocSize() const; ///< @return bytes, not units
 
-    unsigned Copy(wchar_t* dst) const; ///< null answers 0
-    unsigned Copy(wchar_t* dst, unsigned n) const;
+    unsigned Copy(wchar_t* dst) const;                   ///< null answers 0
+    unsigned Copy(wchar_t* dst, unsigned n) const;       ///< null answers 0
     unsigned CopyFit(wchar_t* dst, unsigned size) const; ///< size in units
-    int Load(void* hInstance, unsigned id);
+    int Load(void* hInstance, unsigned id);              ///< as in CXString
+    int FindI(const wchar_t* s) const; ///< from the start, without regard to case; an empty s answers -1
 
+    /// As in CXString, by units.
+    ///@{
     int Find(const wchar_t* s, int start = 0) const;
     int Find(wchar_t c, int start = 0) const;
-    int FindI(const wchar_t* s) const; ///< from the start, without regard to case; an empty s answers -1
     int FindOnOf(const wchar_t* set, int start = 0) const;
     int FindRev(wchar_t c) const;
     int FindRevOnOf(const wchar_t* set) const;
@@ -199,29 +225,35 @@ public:
     int FindReplace(const wchar_t* find, wchar_t repl);
     int FindReplace(wchar_t find, const wchar_t* repl);
     int FindReplace(wchar_t find, wchar_t repl);
+    ///@}
 
-    int Compare(const wchar_t* s) const; ///< by units, -1, 0 or 1
-    int CompareI(const wchar_t* s) const;
-    int CompareN(const wchar_t* s, int n) const;
-    int CompareIN(const wchar_t* s, int n) const;
+    int Compare(const wchar_t* s) const;          ///< by units, -1, 0 or 1
+    int CompareI(const wchar_t* s) const;         ///< without regard to case
+    int CompareN(const wchar_t* s, int n) const;  ///< the first n units
+    int CompareIN(const wchar_t* s, int n) const; ///< both
 
+    /// As in CXString, by units.
+    ///@{
     CXStringW& Insert(int pos, const wchar_t* s);
     CXStringW& Insert(int pos, wchar_t c);
     CXStringW& Delete(int pos, int count);
     CXStringW& Replace(int pos, int count, const wchar_t* s);
-    int Extract(int pos, int count); ///< @return units
+    int Extract(int pos, int count);
     int Extract(int pos, int count, CXStringW& out) const;
-    void TrimLeft(); ///< white space is what iswspace says
+    void TrimLeft();
     void TrimRight();
     void Upper();
     void Lower();
     void FreeExtra();
     void CharToOemA();
     void OemToCharA();
+    ///@}
 
-    void Format(const wchar_t* format, ...); ///< "%s" takes wide text
-    void FormatV(const wchar_t* format, char* arguments);
+    void Format(const wchar_t* format, ...);              ///< as in CXString; "%s" takes wide text
+    void FormatV(const wchar_t* format, char* arguments); ///< arguments is a va_list
 
+    /// As in CXString, in units.
+    ///@{
     CXStringW& AddDirDelim();
     CXStringW& AddFileExtDelim();
     void ChangeFileExt(const wchar_t* ext);
@@ -230,12 +262,15 @@ public:
     CXStringW FilePath() const;
     const wchar_t* GetFileExt() const;
     const wchar_t* GetFileName() const;
-    int GetFileExt(wchar_t* buffer) const; ///< @return units
+    int GetFileExt(wchar_t* buffer) const;
     int GetFileName(wchar_t* buffer) const;
     int GetFilePath(wchar_t* buffer) const;
     int ReducePathString(int maxLength);
+    ///@}
 
 protected:
+    /// For classes derived from this one: the steps that the operations are made of. Counts are units.
+    ///@{
     void Init();
     void AllocBuffer(unsigned n);
     void ReallocBuffer(unsigned n);
@@ -243,22 +278,29 @@ protected:
     void AssignCopy(const wchar_t* s, unsigned n);
     void ConcatCopy(const wchar_t* s, unsigned n);
     void ConcatCopyTo(unsigned pos, const wchar_t* s, unsigned n);
+    ///@}
 
 private:
     friend struct CXStringAccess;
     wchar_t* m_pszData;
 };
 
+/// @return both texts joined; null counts as empty
+///@{
 QZR_API CXStringW operator+(const CXStringW& a, const CXStringW& b);
 QZR_API CXStringW operator+(const CXStringW& a, const wchar_t* b);
 QZR_API CXStringW operator+(const wchar_t* a, const CXStringW& b);
 QZR_API CXStringW operator+(const CXStringW& a, wchar_t b);
 QZR_API CXStringW operator+(wchar_t a, const CXStringW& b);
+///@}
 
+/// Compares as CXStringW::Compare does.
+///@{
 inline bool operator==(const CXStringW& a, const CXStringW& b) { return a.Compare(b.GetData()) == 0; }
 inline bool operator!=(const CXStringW& a, const CXStringW& b) { return a.Compare(b.GetData()) != 0; }
 inline bool operator==(const CXStringW& a, const wchar_t* b) { return a.Compare(b) == 0; }
 inline bool operator!=(const CXStringW& a, const wchar_t* b) { return a.Compare(b) != 0; }
+///@}
 
 /// Turns narrow text into wide text in the dictionary's code page (Supp_GetACP). A text that cannot be
 /// converted gives the empty string. Throws CXMemException.

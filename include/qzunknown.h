@@ -64,8 +64,9 @@ public:
 template <class I>
 class CQZUnknownImpl : public I {
 public:
-    unsigned AddRef() override;
-    unsigned Release() override;
+    unsigned AddRef() override;  ///< InternalAddRef
+    unsigned Release() override; ///< InternalRelease
+    /// InternalQueryInterface.
     int QueryInterface(const std::type_info& iid, IQZUnknown** out) override;
 
     virtual ~CQZUnknownImpl();
@@ -154,10 +155,12 @@ int CQZUnknownImplParent<I, J>::InternalQueryInterface(const std::type_info& iid
 template <class T>
 class CQZContainedObject : public T {
 public:
+    /// @param controlling not counted: it outlives this object
     explicit CQZContainedObject(IQZUnknown* controlling) : m_pControlling(controlling) {}
 
-    unsigned AddRef() override { return m_pControlling->AddRef(); }
-    unsigned Release() override { return m_pControlling->Release(); }
+    unsigned AddRef() override { return m_pControlling->AddRef(); }   ///< the controlling unknown's
+    unsigned Release() override { return m_pControlling->Release(); } ///< the controlling unknown's
+    /// The controlling unknown's.
     int QueryInterface(const std::type_info& iid, IQZUnknown** out) override {
         return m_pControlling->QueryInterface(iid, out);
     }

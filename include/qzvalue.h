@@ -1,13 +1,15 @@
 /// @file
 /// Typed values in variants: qz::to_variant, qz::from_variant, qz::convert. Header-only.
 ///
-/// | C++ type | type of the variant |
-/// | --- | --- |
-/// | bool | QZVT_BOOL |
-/// | unsigned char, unsigned short, unsigned int, unsigned long | QZVT_UCHAR, QZVT_USHORT, QZVT_UINT,
-/// QZVT_ULONG | | int, long | QZVT_INT, QZVT_LONG | | float, double | QZVT_FLOAT, QZVT_DOUBLE | |
-/// std::string, CXString | QZVT_TEXT | | std::wstring, CXStringW | QZVT_WTEXT | | tagSIZE, tagPOINT, tagRECT
-/// and the real ones | QZVT_SIZE, QZVT_POINT ... | | qz::Bytes | QZVT_BLOB | | `CQZRef<I>` | QZVT_OBJECT |
+/// Which type of variant stands for a C++ type:
+/// - bool: QZVT_BOOL
+/// - int, long, unsigned char, unsigned short, unsigned, unsigned long: the integer of that name
+/// - float, double: QZVT_FLOAT, QZVT_DOUBLE
+/// - std::string, CXString: QZVT_TEXT
+/// - std::wstring, CXStringW: QZVT_WTEXT
+/// - tagSIZE, tagPOINT, tagRECT, tagRSIZE, tagRPOINT, tagRRECT: QZVT_SIZE and so on
+/// - qz::Bytes: QZVT_BLOB
+/// - `CQZRef<I>`: QZVT_OBJECT
 ///
 /// Other types, such as long long and char, are refused when the program is compiled: no variant holds them
 /// whole.
@@ -49,7 +51,7 @@ inline constexpr bool kIsNumber =
 template <class T>
 inline constexpr bool kIsText = kIsOneOf<T, std::string, CXString, std::wstring, CXStringW>;
 
-/// A code for each type of the table above; QZVT_EMPTY for others.
+/// A code for each type of the list above; QZVT_EMPTY for others.
 template <class T>
 constexpr unsigned short type_code() {
     if (kIsOneOf<T, bool>) return QZVT_BOOL;
@@ -235,7 +237,7 @@ std::optional<T> convert(const tagQZVARIANT& v) {
 }
 
 // Booleans first: to a variant they would be integers. A template, so that nothing else becomes one.
-/// @return the value as a variant of its type, by the table above. Throws CXMemException.
+/// @return the value as a variant of its type, by the list above. Throws CXMemException.
 ///@{
 template <class T, std::enable_if_t<std::is_same_v<T, bool>, int> = 0>
 CQZVariant to_variant(T value) {

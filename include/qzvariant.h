@@ -40,20 +40,28 @@ enum QZVariantType : unsigned short {
     QZVT_OBJECT_REF = 16384, ///< target of QZVariantChangeType only: the pointer without a reference
 };
 
+/// A real-valued point.
 struct tagRPOINT {
-    double x, y;
-}; ///< a real-valued point
+    double x; ///< to the right
+    double y; ///< downwards, or as the application counts
+};
+/// A real-valued size.
 struct tagRSIZE {
-    double cx, cy;
-}; ///< a real-valued size
+    double cx; ///< the width
+    double cy; ///< the height
+};
+/// A real-valued rectangle; the edges belong to it.
 struct tagRRECT {
-    double left, top, right, bottom;
-}; ///< a real-valued rectangle; the edges belong to it
+    double left;   ///< the smaller x
+    double top;    ///< the smaller y
+    double right;  ///< the larger x
+    double bottom; ///< the larger y
+};
 
 /// Bytes with their count. {n, null} is legal: n bytes that are not there, written to streams as zeroes.
 struct tagQZBLOB {
-    unsigned cbSize;
-    void* pBlobData;
+    unsigned cbSize; ///< in bytes
+    void* pBlobData; ///< the bytes, or null
 };
 
 /// The variant record: a type code, and the value that the code names. A cleared record has code 0 and a
@@ -61,25 +69,25 @@ struct tagQZBLOB {
 struct tagQZVARIANT {
     unsigned short vt; ///< one of QZVariantType
     union alignas(8) {
-        int boolVal;
-        unsigned char ucharVal;
-        unsigned short ushortVal;
-        unsigned long ulongVal;
-        int intVal;
-        unsigned int uintVal;
-        long longVal;
-        double doubleVal;
-        float floatVal;
-        char* pszVal;
-        tagSIZE sizeVal;
-        tagRSIZE rsizeVal;
-        tagPOINT pointVal;
-        tagRPOINT rpointVal;
-        tagRECT rectVal;
-        tagRRECT rrectVal;
-        tagQZBLOB blobVal;
-        IQZUnknown* pUnkVal;
-        wchar_t* pwszVal;
+        int boolVal;              ///< QZVT_BOOL: 0 or 1
+        unsigned char ucharVal;   ///< QZVT_UCHAR
+        unsigned short ushortVal; ///< QZVT_USHORT
+        unsigned long ulongVal;   ///< QZVT_ULONG
+        int intVal;               ///< QZVT_INT
+        unsigned int uintVal;     ///< QZVT_UINT
+        long longVal;             ///< QZVT_LONG
+        double doubleVal;         ///< QZVT_DOUBLE
+        float floatVal;           ///< QZVT_FLOAT
+        char* pszVal;             ///< QZVT_TEXT, owned
+        tagSIZE sizeVal;          ///< QZVT_SIZE
+        tagRSIZE rsizeVal;        ///< QZVT_RSIZE
+        tagPOINT pointVal;        ///< QZVT_POINT
+        tagRPOINT rpointVal;      ///< QZVT_RPOINT
+        tagRECT rectVal;          ///< QZVT_RECT
+        tagRRECT rrectVal;        ///< QZVT_RRECT
+        tagQZBLOB blobVal;        ///< QZVT_BLOB, bytes owned
+        IQZUnknown* pUnkVal;      ///< QZVT_OBJECT, one reference owned
+        wchar_t* pwszVal;         ///< QZVT_WTEXT, owned
     };
 };
 
@@ -136,9 +144,11 @@ public:
     void Clear(); ///< frees the bytes; size 0
 
     /// @return 1 when the sizes and the bytes are equal, else 0
+    ///@{
     int operator==(const tagQZBLOB& other) const;
     int operator==(const tagQZBLOB* other) const;
     int operator==(const QZBlob& other) const;
+    ///@}
 };
 
 /// A variant that clears itself. It adds nothing to the record.
@@ -148,34 +158,47 @@ public:
 class QZR_API CQZVariant : public tagQZVARIANT {
 public:
     CQZVariant(); ///< empty
+
+    /// Copies the value.
+    ///@{
     CQZVariant(const tagQZVARIANT& source);
     CQZVariant(const tagQZVARIANT* source);
     CQZVariant(const CQZVariant& source);
-    CQZVariant(const tagQZBLOB& value); ///< copies the bytes
+    CQZVariant(const tagQZBLOB& value);
     CQZVariant(const tagPOINT& value);
     CQZVariant(const tagSIZE& value);
     CQZVariant(const tagRECT& value);
     CQZVariant(const tagRPOINT& value);
     CQZVariant(const tagRSIZE& value);
     CQZVariant(const tagRRECT& value);
-    CQZVariant(const char* value); ///< copies the text; null stays null and reads as ""
-    CQZVariant(const CXString& value);
-    CQZVariant(const wchar_t* value); ///< copies the text; null stays null and reads as L""
-    CQZVariant(const CXStringW& value);
+    CQZVariant(float value);
+    CQZVariant(double value);
+    ///@}
 
-    // Integers. A vt of QZVT_BOOL makes a boolean (value != 0), any other the type of the argument.
+    /// Copies the text; null stays null and reads as the empty text.
+    ///@{
+    CQZVariant(const char* value);
+    CQZVariant(const CXString& value);
+    CQZVariant(const wchar_t* value);
+    CQZVariant(const CXStringW& value);
+    ///@}
+
+    /// An integer. A vt of QZVT_BOOL makes a boolean (value != 0), any other the type of the argument.
+    ///@{
     CQZVariant(unsigned char value, unsigned short vt = 0);
     CQZVariant(unsigned short value, unsigned short vt = 0);
     CQZVariant(int value, unsigned short vt = 0);
     CQZVariant(unsigned int value, unsigned short vt = 0);
     CQZVariant(long value, unsigned short vt = 0);
     CQZVariant(unsigned long value, unsigned short vt = 0);
-    CQZVariant(float value);
-    CQZVariant(double value);
+    ///@}
+
     CQZVariant(IQZUnknown* value); ///< adds a reference; may be null
 
     ~CQZVariant();
 
+    /// Copies the value, which decides the type.
+    ///@{
     CQZVariant& operator=(const tagQZVARIANT& source);
     CQZVariant& operator=(const tagQZVARIANT* source);
     CQZVariant& operator=(const CQZVariant& source);
@@ -190,21 +213,26 @@ public:
     CQZVariant& operator=(const CXString& value);
     CQZVariant& operator=(const wchar_t* value);
     CQZVariant& operator=(const CXStringW& value);
+    CQZVariant& operator=(unsigned char value);
+    CQZVariant& operator=(float value);
+    CQZVariant& operator=(double value);
+    ///@}
 
-    // A variant that holds a boolean stays one (value != 0) when these are assigned ...
+    /// Copies the value; a variant that holds a boolean stays one (value != 0).
+    ///@{
     CQZVariant& operator=(unsigned short value);
     CQZVariant& operator=(int value);
     CQZVariant& operator=(unsigned int value);
     CQZVariant& operator=(long value);
     CQZVariant& operator=(unsigned long value);
-    // ... and takes the new type when these are.
-    CQZVariant& operator=(unsigned char value);
-    CQZVariant& operator=(float value);
-    CQZVariant& operator=(double value);
+    ///@}
+
     CQZVariant& operator=(IQZUnknown* value); ///< adds a reference; may be null
 
-    // Casts read the member of the type asked for, whatever the code says: (unsigned char) of the int 300 is
-    // 44. Convert with ChangeType first when the type is not known.
+    /// Reads the member of the type asked for, whatever the code says: (unsigned char) of the int 300 is 44.
+    /// Convert with ChangeType first when the type is not known. A text, an interface and a blob's bytes stay
+    /// the variant's; no reference is added.
+    ///@{
     operator unsigned char() const;
     operator unsigned short() const;
     operator int() const;
@@ -213,15 +241,16 @@ public:
     operator unsigned long() const;
     operator float() const;
     operator double() const;
-    operator char*() const;       ///< still the variant's text
-    operator IQZUnknown*() const; ///< no reference is added
-    operator tagQZBLOB() const;   ///< the record; the bytes stay the variant's
+    operator char*() const;
+    operator IQZUnknown*() const;
+    operator tagQZBLOB() const;
     operator tagPOINT() const;
     operator tagSIZE() const;
     operator tagRECT() const;
     operator tagRPOINT() const;
     operator tagRSIZE() const;
     operator tagRRECT() const;
+    ///@}
 
     /// The wide text. A variant of narrow text is turned into one of wide text on the spot, although the
     /// operator is const: never use it on a variant in read-only memory. Still the variant's text.
@@ -233,9 +262,11 @@ public:
     /// are equal (a real one of zero width is not empty). Two oddities that callers rely on: of wide texts of
     /// equal length only the first half is compared, and a real size is equal to another only by way of its
     /// bytes read as integers, so a copied one normally differs from its source.
+    ///@{
     int operator==(const tagQZVARIANT& other) const;
     int operator==(const tagQZVARIANT* other) const;
     int operator==(const CQZVariant& other) const;
+    ///@}
 
     void Clear();                   ///< QZVariantClear
     void Attach(tagQZVARIANT& src); ///< takes src's value over; src is left with code 0
