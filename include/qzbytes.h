@@ -6,13 +6,38 @@
 #include "qzref.h"
 #include "qzstream.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <string>
 #include <string_view>
 
 namespace qz {
+
+/// What streams and files have in common.
+namespace detail {
+
+template <class Source, class Piece>
+unsigned long long read_all(Source& source, Piece piece) {
+    std::string buffer(64 * 1024, '\0');
+    unsigned long long total = 0;
+    while (const unsigned got = source.Read(buffer.data(), static_cast<unsigned>(buffer.size()))) {
+        piece(std::string_view(buffer.data(), got));
+        total += got;
+    }
+    return total;
+}
+
+template <class Target>
+void write_all(Target& target, std::string_view bytes) {
+    constexpr std::size_t kMost = 1 << 30;
+    while (!bytes.empty()) {
+        const std::string_view piece = bytes.substr(0, kMost);
+        target.Write(piece.data(), static_cast<unsigned>(piece.size()));
+        bytes.remove_prefix(piece.size());
+    }
+}
+
+} // namespace detail
 
 /// @return a new, empty stream in memory. Throws CXMemException.
 inline CQZRef<IXStream> new_stream() {
@@ -36,13 +61,7 @@ inline CQZRef<IXStream> stream_of(std::string_view bytes) {
 /// @return the bytes read. Throws what the stream and piece throw.
 template <class Piece>
 unsigned long long read_pieces(IXStream& stream, Piece piece) {
-    std::string buffer(64 * 1024, '\0');
-    unsigned long long total = 0;
-    while (const unsigned got = stream.Read(buffer.data(), static_cast<unsigned>(buffer.size()))) {
-        piece(std::string_view(buffer.data(), got));
-        total += got;
-    }
-    return total;
+    return detail::read_all(stream, piece);
 }
 
 /// @return a copy of the rest of a stream. Throws what the stream throws.
@@ -53,14 +72,7 @@ inline std::string read_rest(IXStream& stream) {
 }
 
 /// Writes all the bytes at the stream's position. Throws what the stream throws.
-inline void write(IXStream& stream, std::string_view bytes) {
-    constexpr std::size_t kMost = 1 << 30;
-    while (!bytes.empty()) {
-        const std::string_view piece = bytes.substr(0, kMost);
-        stream.Write(piece.data(), static_cast<unsigned>(piece.size()));
-        bytes.remove_prefix(piece.size());
-    }
-}
+inline void write(IXStream& stream, std::string_view bytes) { detail::write_all(stream, bytes); }
 
 /// @return all the bytes of a stream in memory, wherever its position is. Throws CXIFaceException for other
 ///         streams.

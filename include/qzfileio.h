@@ -2,31 +2,16 @@
 /// Files as holders: read whole, written whole, closed with the failure told. Header-only.
 #pragma once
 
+#include "qzbytes.h"
 #include "qzfile.h"
 #include "qzref.h"
 #include "qztext.h"
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace qz {
-
-/// The parts that the classes below are made of.
-namespace detail {
-
-template <class F>
-void write_all(F& file, std::string_view bytes) {
-    constexpr std::size_t kMost = 1 << 30;
-    while (!bytes.empty()) {
-        const std::string_view piece = bytes.substr(0, kMost);
-        file.Write(piece.data(), static_cast<unsigned>(piece.size()));
-        bytes.remove_prefix(piece.size());
-    }
-}
-
-} // namespace detail
 
 /// An open file (Fio_Open). A file tells what closing fails with by throwing from its last Release, which no
 /// destructor may let out: close() lets it out, the destructor here keeps it to itself. Close what was
@@ -108,12 +93,13 @@ private:
     CQZRef<IXOutFile> file_;
 };
 
-/// @return all bytes of a file, of at most 2 GiB - 1. Throws CXFileException, CXMemException.
+/// @return all bytes of a file. Throws CXFileException, CXMemException.
 inline std::string read_file(WideTextArg path) {
     const File file(path);
-    std::string bytes(file->GetSize(), '\0');
+    std::string bytes(file->GetSize(), '\0'); // 0 from 2 GiB on; what it does not count comes after
     file->Seek(0, 0);
     bytes.resize(file->Read(bytes.data(), static_cast<unsigned>(bytes.size())));
+    detail::read_all(*file, [&bytes](std::string_view piece) { bytes += piece; });
     return bytes;
 }
 

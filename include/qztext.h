@@ -134,9 +134,12 @@ inline std::string utf8(std::wstring_view text) {
     return out;
 }
 inline std::string utf8(const CXStringW& text) { return utf8(view(text)); } ///< the same
+/// The same; null counts as empty.
+inline std::string utf8(const wchar_t* text) { return utf8(WideTextArg(text).view()); }
 
 /// The same for narrow text, which counts as text of the dictionary's code page (hostMultiByteToUnicode).
-inline std::string utf8(const CXString& text) { return utf8(CXStringW(text.GetData())); }
+inline std::string utf8(const char* text) { return utf8(CXStringW(text)); }
+inline std::string utf8(const CXString& text) { return utf8(text.GetData()); } ///< the same
 
 /// @return UTF-8 text as wide text. Each byte that belongs to no character becomes U+FFFD.
 inline std::wstring wide(std::string_view utf8_text) {

@@ -3,29 +3,20 @@
 #include <cstdio>
 
 int main() {
-    // A tree in memory; CQZRef holds the reference and gives it up.
-    const auto settings = CQZRef<IParam>::Adopt(new_MemParam());
-    const auto grid = CQZRef<IParam>::Adopt(settings->CreateSubParam("View\\Grid"));
-    const CQZVariant spacing(12.5);
-    const CQZVariant visible(1, QZVT_BOOL);
-    grid->SetValue("Spacing", &spacing);
-    grid->SetValue("Visible", &visible);
+    // A tree in memory. The holder gives its reference up by itself.
+    const auto settings = qz::new_tree();
+    qz::set(*settings, "View\\Grid\\Spacing", 12.5);
+    qz::set(*settings, "View\\Grid\\Visible", true);
 
-    // Its binary form, written to a stream and read into another tree.
-    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
-    SaveParamToXStream(stream.Get(), settings.Get());
-    const auto copy = CQZRef<IParam>::Adopt(new_MemParam());
-    stream->Seek(0, 0);
-    LoadParamFromXStream(stream.Get(), copy.Get());
+    // Its binary form, as files hold it, read into another tree.
+    const std::string bytes = qz::bytes_of(*settings);
+    const auto copy = qz::new_tree();
+    qz::read_bytes(*copy, bytes);
 
-    // A value by its path, converted to text.
-    CQZVariant value;
-    if (copy->GetValue("View\\Grid\\Spacing", &value) != 0 && value.ChangeType(QZVT_TEXT) != 0) {
-        std::printf("%s read back from %u bytes\n", static_cast<char*>(value), stream->GetSize());
-    }
+    // A value by its path, with one to fall back on.
+    const double spacing = qz::get(*copy, "View\\Grid\\Spacing", 10.0);
+    std::printf("%g read back from %u bytes\n", spacing, static_cast<unsigned>(bytes.size()));
 
     // The text form of the whole tree.
-    CXString text;
-    Param_Param2String(copy.Get(), text);
-    std::printf("%s\n", text.GetData());
+    std::printf("%s\n", qz::text_of(*copy).c_str());
 }

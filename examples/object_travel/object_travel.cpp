@@ -10,13 +10,13 @@
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr char kStar[] = "Shapes\\Star";
 
@@ -27,11 +27,8 @@ void register_plugin() {
 
 CQZRef<IPathShape> make_star() {
     constexpr double kTurn = 6.283185307179586;
-    IQZUnknown* made = nullptr;
-    if (CreateObject("PathShape", nullptr, typeid(IPathShape), &made) == 0) {
-        throw std::runtime_error("path_shape.dll makes no PathShape");
-    }
-    auto star = CQZRef<IPathShape>::Adopt(static_cast<IPathShape*>(made));
+    auto star = qz::create<IPathShape>("PathShape");
+    if (!star) throw std::runtime_error("path_shape.dll makes no PathShape");
     for (int i = 0; i < 10; ++i) {
         const double radius = i % 2 == 0 ? 50.0 : 20.0;
         star->AddPoint({radius * std::sin(i * kTurn / 10), -radius * std::cos(i * kTurn / 10)});
@@ -41,49 +38,29 @@ CQZRef<IPathShape> make_star() {
     return star;
 }
 
-CQZRef<IParam> load(const char* path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error(std::string(path) + " cannot be opened");
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
-    stream->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
-    stream->Seek(0, 0);
-    auto tree = CQZRef<IParam>::Adopt(new_MemParam());
-    if (LoadParamFromXStream(stream.Get(), tree.Get()) == 0)
-        throw std::runtime_error(std::string(path) + " is no tree");
+CQZRef<IParam> load(const fs::path& path) {
+    auto tree = qz::new_tree();
+    if (!qz::read_bytes(*tree, qz::read_file(path))) throw std::runtime_error("the file is no tree");
     return tree;
-}
-
-void save(IParam& tree, const char* path) {
-    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
-    SaveParamToXStream(stream.Get(), &tree);
-    const auto block = CQZRef<IMemBlock>::Require(stream.Get());
-    std::ofstream file(path, std::ios::binary);
-    file.write(static_cast<const char*>(block->GetData()), block->GetSize());
-    if (!file.flush()) throw std::runtime_error(std::string(path) + " cannot be written");
 }
 
 /// The object in the star's place, whatever class it is of.
 CQZRef<IPersistXStream> star_of(IParam& tree) {
-    CQZVariant value;
-    if (tree.GetValue(kStar, &value) == 0 || value.vt != QZVT_OBJECT)
-        throw std::runtime_error("there is no star");
-    return CQZRef<IPersistXStream>::Require(value.pUnkVal);
+    const auto star = qz::get<CQZRef<IPersistXStream>>(tree, kStar);
+    if (!star) throw std::runtime_error("there is no star");
+    return *star;
 }
 
-void make(const char* path) {
+void make(const fs::path& path) {
     register_plugin();
-    const auto tree = CQZRef<IParam>::Adopt(new_MemParam());
-    CQZRef<IParam>::Adopt(tree->CreateSubParam("Shapes"));
-    const CQZVariant title("A star");
-    const CQZVariant star(make_star().Get());
-    tree->SetValue("Title", &title);
-    tree->SetValue(kStar, &star);
-    save(*tree, path);
+    const auto tree = qz::new_tree();
+    qz::set(*tree, "Title", "A star");
+    qz::set(*tree, kStar, make_star());
+    qz::replace_file(path, qz::bytes_of(*tree));
     std::printf("stored a star of class PathShape, %u bytes\n", star_of(*tree)->GetSizeMax());
 }
 
-void print(const char* path) {
+void print(const fs::path& path) {
     register_plugin();
     const auto tree = load(path);
     const auto star = CQZRef<IPathShape>::Query(star_of(*tree).Get());
@@ -96,11 +73,11 @@ void print(const char* path) {
     }
 }
 
-void carry(const char* from, const char* to) {
+void carry(const fs::path& from, const fs::path& to) {
     const auto tree = load(from);
     const auto star = star_of(*tree);
     if (CQZRef<IPathShape>::Query(star.Get())) throw std::runtime_error("the plug-in is there after all");
-    save(*tree, to);
+    qz::replace_file(to, qz::bytes_of(*tree));
     std::printf("carried an object of the unknown class %s, %u bytes\n", star->GetClassName(),
                 star->GetSizeMax());
 }
@@ -127,6 +104,8 @@ int main(int count, char** arguments) {
         return run(count, arguments);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "object_travel: %s\n", e.what());
+    } catch (const CXFileException& e) {
+        std::fprintf(stderr, "object_travel: %s: error %u\n", qz::utf8(e.m_pszFileName).c_str(), e.GetCode());
     } catch (const CXException& e) {
         std::fprintf(stderr, "object_travel: error %u\n", e.GetCode());
     }

@@ -49,7 +49,9 @@ void use_utf8() {
         expect(qz::utf8(std::wstring_view(row.wide)) == row.utf8, row.utf8);
         expect(qz::wide(row.utf8) == row.wide, row.utf8);
     }
-    expect(qz::utf8(CXStringW(L"\xE9")) == "\xC3\xA9" && qz::utf8(CXString("e")) == "e", "strings as UTF-8");
+    expect(qz::utf8(CXStringW(L"\xE9")) == "\xC3\xA9" && qz::utf8(CXString("e")) == "e" &&
+               qz::utf8("e") == "e" && qz::utf8(L"\xE9") == "\xC3\xA9",
+           "strings as UTF-8");
     for (const wchar_t* half : {L"\xD800", L"\xDC00", L"\xDFFF"})
         expect(qz::utf8(std::wstring_view(half)) == "\xEF\xBF\xBD", "half a pair is replaced");
     expect(qz::utf8(std::wstring_view(L"\xDC00\xD800")) == "\xEF\xBF\xBD\xEF\xBF\xBD",

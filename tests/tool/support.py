@@ -48,8 +48,11 @@ class ProgramTest(unittest.TestCase):
 
     def windows_path(self, name):
         """The full path as the programs take it; under Wine the drive Z: is this system."""
-        path = self.path(name)
-        return "Z:" + path.replace("/", "\\") if path.startswith("/") else path
+        return as_windows_path(self.path(name))
+
+    def tree_path(self, *parts):
+        """The full path of a file of the source tree, in the same way."""
+        return as_windows_path(os.path.join(TREE, *parts))
 
     def write(self, name, contents):
         if isinstance(contents, str):
@@ -64,6 +67,10 @@ class ProgramTest(unittest.TestCase):
 
     def files(self):
         return sorted(os.listdir(self.folder))
+
+
+def as_windows_path(path):
+    return "Z:" + path.replace("/", "\\") if path.startswith("/") else path
 
 
 def sample(name):

@@ -1,6 +1,7 @@
 // qzrtool storage ls, cat, check.
 #include "command_line.h"
 #include "json.h"
+#include "qzbytes.h"
 #include "storage_commands.h"
 
 namespace tool {
@@ -70,7 +71,7 @@ public:
         ++streams_;
         const unsigned size = stream.GetSize();
         const unsigned long long got =
-            read_stream(stream, [&](std::string_view piece) { progress_.advance(piece.size()); });
+            qz::read_pieces(stream, [&](std::string_view piece) { progress_.advance(piece.size()); });
         bytes_ += got;
         if (got != size) {
             damaged(path,
@@ -115,7 +116,7 @@ ExitCode run_storage_cat(Invocation& invocation) {
     if (!stream) return source.not_found("stream");
     const unsigned size = stream->GetSize();
     progress->begin(size);
-    const unsigned long long got = read_stream(*stream, [&](std::string_view piece) {
+    const unsigned long long got = qz::read_pieces(*stream, [&](std::string_view piece) {
         progress->advance(piece.size());
         invocation.out.write(piece);
     });

@@ -1,6 +1,7 @@
 // qzrtool storage put, rm, pack, extract.
 #include "command_line.h"
 #include "encoding.h"
+#include "qzbytes.h"
 #include "storage_commands.h"
 
 #include <algorithm>
@@ -143,7 +144,7 @@ public:
         if (fs::exists(place, error)) fail_writing(path, std::make_error_code(std::errc::file_exists));
         Replacement file(place, element_text(path));
         const unsigned size = stream.GetSize();
-        const unsigned long long got = read_stream(stream, [&](std::string_view piece) {
+        const unsigned long long got = qz::read_pieces(stream, [&](std::string_view piece) {
             file.write(piece);
             progress_.advance(piece.size());
         });

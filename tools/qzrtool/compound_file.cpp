@@ -1,6 +1,7 @@
 #include "compound_file.h"
 
 #include "diagnostics.h"
+#include "qzrange.h"
 
 #include <algorithm>
 
@@ -10,14 +11,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kPiece = 64 * 1024;
-
-std::vector<CXString> sorted_names(CTEnum<const char*>* enumerator) {
-    const auto names = CQZRef<CTEnum<const char*>>::Adopt(enumerator);
-    std::vector<CXString> sorted;
-    for (const char* name = nullptr; names && names->Next(1, &name, nullptr) != 0;) {
-        sorted.emplace_back(name);
-    }
+std::vector<CXString> sorted(qz::Names names) {
+    std::vector<CXString> sorted(names.begin(), names.end());
     std::sort(sorted.begin(), sorted.end(),
               [](const CXString& a, const CXString& b) { return a.Compare(b.GetData()) < 0; });
     return sorted;
@@ -49,8 +44,8 @@ CQZRef<IXStorage> open_compound_file(const fs::path& file, const std::string& sh
     return with_progress(open_root(file, shown, false), progress);
 }
 
-std::vector<CXString> storage_names(IXStorage& storage) { return sorted_names(storage.EnumStorages()); }
-std::vector<CXString> stream_names(IXStorage& storage) { return sorted_names(storage.EnumStreams()); }
+std::vector<CXString> storage_names(IXStorage& storage) { return sorted(qz::storage_names(storage)); }
+std::vector<CXString> stream_names(IXStorage& storage) { return sorted(qz::stream_names(storage)); }
 
 CQZRef<IXStorage> open_storage(IXStorage& parent, const CXString& name) {
     try {
@@ -89,16 +84,6 @@ void clear_storage(IXStorage& storage) {
     for (const CXString& name : stream_names(storage)) {
         storage.DestroyStream(name.GetData());
     }
-}
-
-unsigned long long read_stream(IXStream& stream, const std::function<void(std::string_view)>& piece) {
-    std::string buffer(kPiece, '\0');
-    unsigned long long total = 0;
-    while (const unsigned got = stream.Read(buffer.data(), static_cast<unsigned>(buffer.size()))) {
-        piece(std::string_view(buffer).substr(0, got));
-        total += got;
-    }
-    return total;
 }
 
 CompoundFileEdit::CompoundFileEdit(const fs::path& file, const std::string& shown, Start start,

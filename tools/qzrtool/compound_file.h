@@ -7,7 +7,6 @@
 #include "qzstream.h"
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,9 +29,6 @@ CQZRef<IXStorage> make_storage(IXStorage& root, const ElementNames& path);
 
 /// A storage's elements, taken out.
 void clear_storage(IXStorage& storage);
-
-/// Hands the rest of a stream out piece by piece. @return the bytes read
-unsigned long long read_stream(IXStream& stream, const std::function<void(std::string_view)>& piece);
 
 /// A changed copy of a compound file, or a new one. The file itself is replaced at once, in the end; until
 /// then, and whatever fails, it stays as it is.

@@ -2,33 +2,9 @@
 
 #include "diagnostics.h"
 
-#include <cwchar>
-
 namespace tool {
 
 namespace {
-
-bool is_high(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool is_low(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
-void append_utf8(std::string& out, unsigned code) {
-    const auto tail = [&](unsigned shift) { out += static_cast<char>(0x80 | ((code >> shift) & 0x3F)); };
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800) {
-        out += static_cast<char>(0xC0 | (code >> 6));
-        tail(0);
-    } else if (code < 0x10000) {
-        out += static_cast<char>(0xE0 | (code >> 12));
-        tail(6);
-        tail(0);
-    } else {
-        out += static_cast<char>(0xF0 | (code >> 18));
-        tail(12);
-        tail(6);
-        tail(0);
-    }
-}
 
 bool continues(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
@@ -53,27 +29,6 @@ void append_escape(std::string& out, unsigned code) {
 }
 
 } // namespace
-
-std::string utf8(std::wstring_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned code = text[i];
-        if (is_high(text[i]) && i + 1 < text.size() && is_low(text[i + 1])) {
-            code = 0x10000 + ((code - 0xD800) << 10) + (text[i + 1] - 0xDC00u);
-            ++i;
-        } else if (is_high(text[i]) || is_low(text[i])) {
-            code = 0xFFFD;
-        }
-        append_utf8(out, code);
-    }
-    return out;
-}
-
-std::string utf8(const char* narrow_text) {
-    const CXStringW wide(narrow_text);
-    return utf8(std::wstring_view(wide.GetData()));
-}
 
 CXString narrow(const std::wstring& text, const char* what) {
     const CXString result(text.c_str());

@@ -3,7 +3,7 @@
 // bytes.
 #pragma once
 
-#include "qzstring.h"
+#include "qztext.h"
 
 #include <cstddef>
 #include <string>
@@ -11,10 +11,7 @@
 
 namespace tool {
 
-/// A half of a surrogate pair that stands alone becomes U+FFFD: the result is always valid UTF-8.
-std::string utf8(std::wstring_view text);
-std::string utf8(const char* narrow);
-inline std::string utf8(const CXString& narrow) { return utf8(narrow.GetData()); }
+using qz::utf8;
 
 /// @return the text in the ANSI code page. Fails with a message when a character has no place there; what
 /// names the text in that message.

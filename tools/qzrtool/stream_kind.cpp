@@ -1,8 +1,8 @@
 // Trees in the binary form of SaveParamToXStream, as files.
 #include "kinds.h"
 
+#include "qzbytes.h"
 #include "stream_check.h"
-#include "streams.h"
 
 namespace tool {
 
@@ -11,13 +11,13 @@ namespace {
 bool recognises(std::string_view bytes) { return bytes.find('\0') != std::string_view::npos; }
 
 std::string encode(IParam& tree) {
-    const auto stream = new_stream();
+    const auto stream = qz::new_stream();
     if (SaveParamToXStream(stream.Get(), &tree) == 0) fail("the tree cannot be written as a stream");
-    return bytes_of(*stream);
+    return qz::bytes_of(*stream);
 }
 
 CQZRef<IParam> load(const Address& address, const LoadOptions& options, Diagnostics& diagnostics) {
-    const auto stream = stream_of(read_source(address));
+    const auto stream = qz::stream_of(read_source(address));
     auto tree = new_tree();
     if (const auto damage = find_damage(*stream, *tree)) {
         const std::string place = address.shown + ": at byte " + std::to_string(damage->offset);
@@ -34,10 +34,8 @@ CQZRef<IParam> load(const Address& address, const LoadOptions& options, Diagnost
 void save(const Address& address, IParam& tree, const SaveOptions&) { replace_target(address, encode(tree)); }
 
 CQZRef<IParam> rehearse(IParam& tree, const SaveOptions&) {
-    const auto stream = stream_of(encode(tree));
     auto reread = new_tree();
-    if (LoadParamFromXStream(stream.Get(), reread.Get()) == 0)
-        fail("the tree does not read back from a stream");
+    if (!qz::read_bytes(*reread, encode(tree))) fail("the tree does not read back from a stream");
     return reread;
 }
 

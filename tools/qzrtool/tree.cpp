@@ -8,17 +8,7 @@ namespace tool {
 
 namespace {
 
-using NameEnum = CTEnum<const char*>;
-
-std::vector<CXString> collect(NameEnum* enumerator) {
-    const auto names = CQZRef<NameEnum>::Adopt(enumerator);
-    if (!names) throw CXIFaceException(typeid(NameEnum));
-    std::vector<CXString> collected;
-    for (const char* name = nullptr; names->Next(1, &name, nullptr) != 0;) {
-        collected.emplace_back(name);
-    }
-    return collected;
-}
+std::vector<CXString> collect(qz::Names names) { return {names.begin(), names.end()}; }
 
 /// The names that open in first, then those that open in second alone.
 std::vector<CXString> child_names(IParam* first, IParam* second) {
@@ -89,24 +79,11 @@ private:
 
 } // namespace
 
-CQZRef<IParam> new_tree() {
-    auto tree = CQZRef<IParam>::Adopt(new_MemParam());
-    if (!tree) throw CXMemException();
-    return tree;
-}
-
-std::vector<CXString> section_names(IParam& node) { return collect(node.EnumSubParams()); }
-std::vector<CXString> value_names(IParam& node) { return collect(node.EnumValues()); }
+std::vector<CXString> section_names(IParam& node) { return collect(qz::child_names(node)); }
+std::vector<CXString> value_names(IParam& node) { return collect(qz::value_names(node)); }
 
 CQZRef<IParam> open_section(IParam& node, const CXString& name) {
     return CQZRef<IParam>::Adopt(node.OpenSubParam(name.GetData(), 0));
-}
-
-std::optional<CQZVariant> find_value(IParam& node, const CXString& name) {
-    CQZVariant value;
-    // Stored empty texts and bytes are found with the answer 0.
-    if (node.GetValue(name.GetData(), &value) == 0 && value.vt == QZVT_EMPTY) return std::nullopt;
-    return value;
 }
 
 CQZRef<IParam> find_section(IParam& root, const std::vector<CXString>& sections) {

@@ -2,10 +2,7 @@
 // long.
 #pragma once
 
-#include "qzparam.h"
-#include "qzref.h"
-#include "qzstring.h"
-#include "qzvariant.h"
+#include "qztree.h"
 
 #include <functional>
 #include <optional>
@@ -14,7 +11,8 @@
 
 namespace tool {
 
-CQZRef<IParam> new_tree();
+using qz::find_value;
+using qz::new_tree;
 
 /// Names in the order of the tree.
 std::vector<CXString> section_names(IParam& node);
@@ -22,7 +20,6 @@ std::vector<CXString> value_names(IParam& node);
 
 /// @return nothing when there is no such section
 CQZRef<IParam> open_section(IParam& node, const CXString& name);
-std::optional<CQZVariant> find_value(IParam& node, const CXString& name);
 
 /// Where a value or a section is.
 struct TreePath {

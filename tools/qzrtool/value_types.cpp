@@ -1,8 +1,8 @@
 #include "values.h"
 
+#include "qzbytes.h"
 #include "qzobject.h"
 #include "qzref.h"
-#include "streams.h"
 
 #include <cstring>
 #include <cwchar>
@@ -121,10 +121,10 @@ StoredObject stored_object(IQZUnknown* object) {
     StoredObject stored;
     const auto persistent = CQZRef<IPersistXStream>::Query(object);
     if (!persistent) return stored;
-    const auto stream = new_stream();
+    const auto stream = qz::new_stream();
     persistent->Save(stream.Get());
     stored.class_name = persistent->GetClassName();
-    stored.bytes = bytes_of(*stream);
+    stored.bytes = qz::bytes_of(*stream);
     return stored;
 }
 
