@@ -137,15 +137,19 @@ NameEntry* CMemParam::find_value(unsigned hash) const noexcept {
     return values_ ? values_->find(hash) : nullptr;
 }
 
-int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
+const NameEntry* CMemParam::value_at(const char* path) const {
     const CMemParam* node = this;
-    PathPart part = first_part(value_name(name));
+    PathPart part = first_part(value_name(path));
     for (; !part.last(); part = first_part(part.rest())) {
         node = node->find_child(part.hash);
-        if (node == nullptr) return 0;
+        if (node == nullptr) return nullptr;
     }
     if (part.empty()) part = whole_name(value_name(nullptr));
-    const NameEntry* const entry = node->find_value(part.hash);
+    return node->find_value(part.hash);
+}
+
+int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
+    const NameEntry* const entry = value_at(name);
     if (entry == nullptr) return 0;
     if (is_plain(entry->value) && !owns_something(*out)) {
         unpack_plain(entry->value, *out);
@@ -154,6 +158,13 @@ int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
     const tagQZVARIANT value = borrowed(entry->value);
     QZVariantCopy(out, &value);
     return 1;
+}
+
+bool CMemParam::borrow_value(const char* name, tagQZVARIANT& value) const {
+    const NameEntry* const entry = value_at(name);
+    if (entry == nullptr) return false;
+    value = borrowed(entry->value);
+    return true;
 }
 
 void CMemParam::SetValue(const char* name, const tagQZVARIANT* value) {

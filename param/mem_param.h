@@ -30,11 +30,16 @@ public:
 
     unsigned InternalRelease() override;
 
+    // As GetValue, but the value borrows what it refers to: good until the tree changes. False when there is
+    // none.
+    bool borrow_value(const char* name, tagQZVARIANT& value) const;
+
 private:
     CMemParam() = default;
     ~CMemParam() override = default; // emptied by destroy()
 
     NameEntry* find_value(unsigned hash) const noexcept;
+    const NameEntry* value_at(const char* path) const;
     CMemParam* find_child(unsigned hash) const noexcept; // borrowed; null when there is none
     void store(const PathPart& name, const tagQZVARIANT& value);
 

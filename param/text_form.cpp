@@ -1,5 +1,6 @@
 #include "param/text_form.h"
 
+#include "param/mem_param.h"
 #include "param/text_parser.h"
 #include "param/text_source.h"
 #include "param/tree_walk.h"
@@ -25,17 +26,37 @@ struct TextLevel : WalkLevel {
     std::size_t path_length; // of the node's section path
 };
 
+// Reads the values of one node. Those of a tree in memory are not copied: writing them as text calls nobody
+// who could change the tree meanwhile.
+class ValueReader {
+public:
+    explicit ValueReader(IParam& node) : node_(node), in_memory_(dynamic_cast<CMemParam*>(&node)) {}
+
+    // Null for a name that does not open; good until the next one is read.
+    const tagQZVARIANT* read(const char* name) {
+        if (in_memory_ != nullptr) return in_memory_->borrow_value(name, borrowed_) ? &borrowed_ : nullptr;
+        return node_.GetValue(name, &copy_) != 0 ? &copy_ : nullptr;
+    }
+
+private:
+    IParam& node_;
+    const CMemParam* const in_memory_; // the same, or null for any other kind
+    tagQZVARIANT borrowed_;
+    CQZVariant copy_;
+};
+
 // A name that does not open is left out, as is a value of a type without a letter.
 void append_values(IParam& node, TextBuffer& out) {
     const NameEnum names = enum_values(node);
-    CQZVariant value;
+    ValueReader values(node);
     while (const char* const name = next_name(names)) {
-        if (node.GetValue(name, &value) == 0) continue;
+        const tagQZVARIANT* const value = values.read(name);
+        if (value == nullptr) continue;
         const std::size_t before = out.size();
         out.append("\t| ");
         out.append(std::string_view(name, text_length(name)));
         out.append('=');
-        if (!append_value_text(value, out)) out.cut(before);
+        if (!append_value_text(*value, out)) out.cut(before);
     }
 }
 
