@@ -1,5 +1,6 @@
 #include "string/ascii_case.h"
 
+#include <algorithm>
 #include <bit>
 
 #include <emmintrin.h>
@@ -56,29 +57,49 @@ Unit flip_letter(Unit c, Unit first) {
     return c >= first && c < first + 26 ? static_cast<Unit>(c ^ 0x20) : c;
 }
 
+// Maps one block and answers true, unless it holds a unit beyond ASCII.
+template <class Unit>
+bool map_block(Unit* at, Unit first) {
+    const __m128i v = load(at);
+    if (_mm_movemask_epi8(Lanes<Unit>::beyond_ascii(v)) != 0) return false;
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(at), flip_letters(v, first));
+    return true;
+}
+
+// The last block ends with the text and may hold units that were mapped before: they stay as they are.
 template <class Unit>
 Unit* map(Unit* begin, Unit* end, Unit first) {
-    for (; static_cast<std::size_t>(end - begin) >= Lanes<Unit>::kUnits; begin += Lanes<Unit>::kUnits) {
-        const __m128i v = load(begin);
-        if (_mm_movemask_epi8(Lanes<Unit>::beyond_ascii(v)) != 0) break;
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(begin), flip_letters(v, first));
-    }
+    constexpr std::size_t kUnits = Lanes<Unit>::kUnits;
+    const bool whole_block = static_cast<std::size_t>(end - begin) >= kUnits;
+    while (static_cast<std::size_t>(end - begin) >= kUnits && map_block(begin, first))
+        begin += kUnits;
+    if (whole_block && static_cast<std::size_t>(end - begin) < kUnits && map_block(end - kUnits, first))
+        return end;
     for (; begin != end && is_ascii(*begin); ++begin)
         *begin = flip_letter(*begin, first);
     return begin;
 }
 
+// Bits of the bytes in which two blocks of ASCII are alike without case.
+template <class Unit>
+unsigned alike(__m128i x, __m128i y) {
+    const __m128i same = Lanes<Unit>::equal(flip_letters(x, Unit{'A'}), flip_letters(y, Unit{'A'}));
+    const __m128i beyond = _mm_or_si128(Lanes<Unit>::beyond_ascii(x), Lanes<Unit>::beyond_ascii(y));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_andnot_si128(beyond, same)));
+}
+
+// The last block overlaps the one before it, whose units are known to be alike.
 template <class Unit>
 std::size_t prefix(const Unit* a, const Unit* b, std::size_t n) {
-    std::size_t i = 0;
-    for (; n - i >= Lanes<Unit>::kUnits; i += Lanes<Unit>::kUnits) {
-        const __m128i x = load(a + i);
-        const __m128i y = load(b + i);
-        const __m128i same = Lanes<Unit>::equal(flip_letters(x, Unit{'A'}), flip_letters(y, Unit{'A'}));
-        const __m128i beyond = _mm_or_si128(Lanes<Unit>::beyond_ascii(x), Lanes<Unit>::beyond_ascii(y));
-        const auto good = static_cast<unsigned>(_mm_movemask_epi8(_mm_andnot_si128(beyond, same)));
-        if (good != 0xFFFFU) return i + static_cast<unsigned>(std::countr_one(good)) / sizeof(Unit);
+    constexpr std::size_t kUnits = Lanes<Unit>::kUnits;
+    if (n >= kUnits) {
+        for (std::size_t at = 0;; at = std::min(at + kUnits, n - kUnits)) {
+            const unsigned good = alike<Unit>(load(a + at), load(b + at));
+            if (good != 0xFFFFU) return at + static_cast<unsigned>(std::countr_one(good)) / sizeof(Unit);
+            if (at == n - kUnits) return n;
+        }
     }
+    std::size_t i = 0;
     while (i < n && is_ascii(a[i]) && is_ascii(b[i]) &&
            flip_letter(a[i], Unit{'A'}) == flip_letter(b[i], Unit{'A'}))
         ++i;

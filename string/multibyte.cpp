@@ -65,6 +65,10 @@ LeadBytes lead_bytes() noexcept {
     return learn(page);
 }
 
+LeadBytes lead_bytes_in(const char* begin, const char* end) noexcept {
+    return skip_ascii(begin, end) == end ? LeadBytes() : lead_bytes();
+}
+
 // A byte that is no lead byte ends a character, whichever it belongs to; the lead bytes between it and p pair
 // up.
 bool mb_is_start(const char* begin, const char* p, const LeadBytes& leads) noexcept {

@@ -29,6 +29,10 @@ private:
 // Those of the current multibyte code page; none when it is a single-byte one.
 LeadBytes lead_bytes() noexcept;
 
+// The same for going through [begin, end) alone: none when it is ASCII. Finding that out is cheaper than
+// asking the runtime for its code page, unless the text is longer than a few hundred bytes.
+LeadBytes lead_bytes_in(const char* begin, const char* end) noexcept;
+
 inline bool code_page_is_single_byte() noexcept { return !lead_bytes().any(); }
 inline bool is_lead(unsigned char c) noexcept { return lead_bytes()(static_cast<char>(c)); }
 

@@ -64,26 +64,40 @@ int compare_rest(const char* a, const char* b, std::size_t limit) {
     return limit == kAll ? _mbsicmp(bytes(a), bytes(b)) : _mbsnicmp(bytes(a), bytes(b), limit);
 }
 
-int compare_without_case(const char* a, const char* b, std::size_t limit) {
-    if (b == nullptr) return kInvalidParameter;
-    const LeadBytes leads = lead_bytes();
-    const char* const a_end = a + text_length(a);
-    const char* const b_end = b + text_length(b);
-    for (;;) {
+// What is left to compare of two texts.
+struct Rest {
+    const char* a;
+    const char* a_end;
+    const char* b;
+    const char* b_end;
+    std::size_t limit;
+
+    // Passes over what is ASCII and alike without case. @return whether nothing is left
+    bool skip_alike() {
         const auto shorter = static_cast<std::size_t>(std::min(a_end - a, b_end - b));
         const std::size_t same = common_ascii_prefix(a, b, std::min(shorter, limit));
         a += same;
         b += same;
         if (limit != kAll) limit -= same;
-        if (limit == 0 || (a == a_end && b == b_end)) return 0;
-        if (!leads.any()) return compare_rest(a, b, limit);
-        const int order =
-            _mbsicmp(bytes(SingleCharacter(a, leads).text), bytes(SingleCharacter(b, leads).text));
-        if (order != 0 || a == a_end || b == b_end) return order;
-        a = mb_next(a, leads);
-        b = mb_next(b, leads);
-        if (limit != kAll) --limit;
+        return limit == 0 || (a == a_end && b == b_end);
     }
+};
+
+int compare_without_case(const char* a, const char* b, std::size_t limit) {
+    if (b == nullptr) return kInvalidParameter;
+    Rest rest{a, a + text_length(a), b, b + text_length(b), limit};
+    if (rest.skip_alike()) return 0;
+    const LeadBytes leads = lead_bytes();
+    if (!leads.any()) return compare_rest(rest.a, rest.b, rest.limit);
+    do {
+        const int order =
+            _mbsicmp(bytes(SingleCharacter(rest.a, leads).text), bytes(SingleCharacter(rest.b, leads).text));
+        if (order != 0 || rest.a == rest.a_end || rest.b == rest.b_end) return order;
+        rest.a = mb_next(rest.a, leads);
+        rest.b = mb_next(rest.b, leads);
+        if (rest.limit != kAll) --rest.limit;
+    } while (!rest.skip_alike());
+    return 0;
 }
 
 } // namespace

@@ -20,13 +20,19 @@ struct ByteRange {
 };
 
 ByteRange bytes_of(const char* text, int pos, int count) {
-    const LeadBytes leads = lead_bytes();
     const std::size_t length = text_length(text);
     const char* const end = text + length;
+    const LeadBytes leads = lead_bytes_in(text, end);
     const Range range = range_of(static_cast<std::int64_t>(mb_count(text, end, leads)), pos, count);
     const char* const first = mb_advance(text, end, range.first, leads);
     const char* const last = mb_advance(first, end, range.last - range.first, leads);
     return {length, static_cast<std::size_t>(first - text), static_cast<std::size_t>(last - first)};
+}
+
+// Of the first n characters of a text of `length` bytes.
+std::size_t bytes_before(const char* text, std::size_t length, std::size_t n) {
+    if (n >= length) return length;
+    return static_cast<std::size_t>(mb_advance(text, text + length, n, lead_bytes_in(text, text + n)) - text);
 }
 
 bool is_space(char c) {
@@ -61,10 +67,8 @@ CXString& CXString::Insert(int pos, const char* s) {
     if (s == nullptr || *s == 0) return *this;
     const std::size_t length = GetSize();
     const std::size_t added = text_length(s);
-    const char* const at =
-        mb_advance(m_pszData, m_pszData + length, static_cast<unsigned>(pos), lead_bytes());
-    edit_text<char>(m_pszData, {length, static_cast<std::size_t>(at - m_pszData), 0, s, added,
-                                std::uint64_t{length} + added + 1});
+    const std::size_t at = bytes_before(m_pszData, length, static_cast<unsigned>(pos));
+    edit_text<char>(m_pszData, {length, at, 0, s, added, std::uint64_t{length} + added + 1});
     return *this;
 }
 
@@ -110,9 +114,9 @@ void CXString::TrimLeft() {
 }
 
 void CXString::TrimRight() {
-    const LeadBytes leads = lead_bytes();
     const std::size_t length = GetSize();
     const char* end = m_pszData + length;
+    const LeadBytes leads = lead_bytes_in(m_pszData, end);
     while (end != m_pszData) {
         const char* const last = mb_last(m_pszData, end, leads);
         if (!is_space(*last)) break;
