@@ -37,6 +37,10 @@ public:
     // The same as Alloc, but the bytes may hold anything. Throws CXMemException.
     void* alloc_unzeroed(unsigned long long size);
 
+    // A block of any heap with its bytes, made longer: in place where the system can. What is new may hold
+    // anything. Throws CXMemException; the block then stays as it was.
+    static void* stretch(void* p, unsigned long long size);
+
     // Frees a block of any heap. p must not be null.
     static int free_block(void* p) noexcept;
 

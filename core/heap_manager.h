@@ -2,39 +2,13 @@
 // statistics.
 #pragma once
 
+#include "core/activity.h"
 #include "core/heap.h"
 #include "core/native_lock.h"
 
 #include <atomic>
 
 namespace qzr {
-
-// Cumulative counters. Requests are counted under the heap lock, so they need no atomic addition; frees come
-// from any thread at any time.
-class Activity {
-public:
-    void count_request(unsigned long long bytes) noexcept {
-        add(bytes_, bytes);
-        add(requests_, 1);
-    }
-    void count_free() noexcept { add(frees_, 1); }
-
-    unsigned long long bytes() const noexcept { return bytes_.load(std::memory_order_relaxed); }
-    unsigned long long operations() const noexcept {
-        return requests_.load(std::memory_order_relaxed) + frees_.load(std::memory_order_relaxed);
-    }
-
-private:
-    using Counter = std::atomic<unsigned long long>;
-
-    static void add(Counter& counter, unsigned long long n) noexcept {
-        counter.store(counter.load(std::memory_order_relaxed) + n, std::memory_order_relaxed);
-    }
-
-    Counter bytes_{0};
-    Counter requests_{0};
-    Counter frees_{0};
-};
 
 // The bytes that the library allows itself, from what the system has to spare. The first term is cut to 32
 // bits before it is halved, the sum after it is multiplied; hence the detour through 64 bits.
@@ -67,9 +41,19 @@ public:
     CHeap& default_heap() noexcept { return *default_heaps_[0]; }
     CHeap* next_default_heap() noexcept; // round robin
 
-    // Held for creating, allocating, resizing and destroying. Outside the live count of the critical
-    // sections.
+    // Held for creating, resizing and destroying, and from the moment that the system has refused a request
+    // until it is settled. Outside the live count of the critical sections.
     NativeLock& lock() noexcept { return lock_; }
+
+    // Waits as long as another thread is about a refused request: the sink may be making room. Allocating
+    // needs no lock else, since the system's heaps have their own; taking it cost a pair of Alloc and Free a
+    // sixth of its time.
+    void wait_for_sink() noexcept {
+        if (!refused_.load(std::memory_order_relaxed)) [[likely]]
+            return;
+        lock_.lock();
+        lock_.unlock();
+    }
 
     // With the lock held.
     void link(CHeap& heap) noexcept;
@@ -80,6 +64,7 @@ public:
     // there is an answer or the sink gives up (null, also when there is no sink). With the lock held.
     template <class Request>
     auto retry(Request request) {
+        const RefusedRequest refused(refused_);
         decltype(request()) answer = nullptr;
         for (unsigned attempt = 0; answer == nullptr && ask_sink(attempt); ++attempt)
             answer = request();
@@ -90,6 +75,20 @@ public:
     unsigned budget() const noexcept { return budget_; }
 
 private:
+    // The sink may allocate, and so meet a refusal within a refusal.
+    class RefusedRequest {
+    public:
+        explicit RefusedRequest(std::atomic<bool>& flag) noexcept
+            : flag_(flag), outer_(flag.exchange(true)) {}
+        ~RefusedRequest() { flag_.store(outer_); }
+        RefusedRequest(const RefusedRequest&) = delete;
+        RefusedRequest& operator=(const RefusedRequest&) = delete;
+
+    private:
+        std::atomic<bool>& flag_;
+        bool outer_;
+    };
+
     bool ask_sink(unsigned attempt);
 
     static constexpr unsigned kDefaultHeaps = 1;
@@ -98,11 +97,11 @@ private:
     unsigned next_default_ = 0;
     QZ_LISTITEM* first_ = nullptr;
     unsigned count_ = 0;
-    // Lines of the processor's cache of their own: sharing one costs an allocation up to a tenth of its time.
-    alignas(64) NativeLock lock_;
+    std::atomic<bool> refused_{false};
+    NativeLock lock_;
     unsigned budget_ = 0;
     ILowMemoryNotifySink* sink_ = nullptr;
-    alignas(64) Activity activity_;
+    Activity activity_;
 };
 
 } // namespace qzr

@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -167,8 +170,8 @@ TEST(Heap, ActivityCountsBytesWithHeadersAndOperations) {
 // Blocks keep their bytes, and not one request is lost from the statistics.
 TEST(Heap, ServesManyThreadsAtOnce) {
     const auto heap = make_heap();
-    constexpr int kThreads = 8;
-    constexpr int kRounds = 2000;
+    constexpr int kThreads = 80; // more than can count each for itself
+    constexpr int kRounds = 200;
     const unsigned long long before = requested_bytes();
     std::vector<std::thread> threads;
     std::vector<int> damaged(kThreads);
@@ -211,12 +214,14 @@ public:
     int OnLowMemory(unsigned attempt) override {
         if (throws) throw 42;
         attempts.push_back(attempt);
+        if (meanwhile) meanwhile();
         return attempts.size() <= retries ? 1 : 0;
     }
 
     std::vector<unsigned> attempts;
     unsigned retries = 0;
     bool throws = false;
+    std::function<void()> meanwhile;
 };
 
 TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
@@ -229,6 +234,28 @@ TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
         EXPECT_THROW(heap->Alloc(size), CXMemException);
         EXPECT_EQ(sink.attempts, (std::vector<unsigned>{0, 1, 2}));
     }
+}
+
+// Nobody takes what the sink is about to give back; the sink itself may allocate.
+TEST(LowMemory, OtherThreadsWaitWhileTheSinkIsAsked) {
+    const auto heap = make_heap();
+    LowMemorySink& sink = LowMemorySink::installed();
+    sink.retries = 0;
+    std::atomic<bool> served{false};
+    std::thread other;
+    sink.meanwhile = [&] {
+        heap->Free(heap->Alloc(1));
+        other = std::thread([&] {
+            heap->Free(heap->Alloc(1));
+            served = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(served);
+    };
+    EXPECT_THROW(heap->Alloc(kRefused), CXMemException);
+    sink.meanwhile = nullptr;
+    other.join();
+    EXPECT_TRUE(served);
 }
 
 TEST(LowMemory, SecondSinkIsRefused) {
