@@ -27,4 +27,13 @@ void block_free(void* p, std::size_t n) noexcept {
     if (p != nullptr && !library().blocks.keep(p, n)) CHeap::free_block(p);
 }
 
+void* block_grow(void* p, std::size_t old_n, std::size_t n) {
+    if (block_refits(old_n, n)) return p;
+    if (!BlockCache::keeps(old_n)) return CHeap::stretch(p, BlockCache::rounded(n));
+    void* const grown = block_alloc(n);
+    std::memcpy(grown, p, old_n);
+    block_free(p, old_n);
+    return grown;
+}
+
 } // namespace qzr

@@ -29,6 +29,15 @@ char* mem_dup(const void* bytes, std::size_t n);
 void* block_alloc(std::size_t n);
 void block_free(void* p, std::size_t n) noexcept; // null is fine
 
+// Whether a block for old_n bytes does for n bytes as it is, and may be given back as one of n.
+constexpr bool block_refits(std::size_t old_n, std::size_t n) noexcept {
+    return BlockCache::rounded(old_n) == BlockCache::rounded(n);
+}
+
+// A block of old_n bytes with its bytes, made into one of n, which is more: in place where it has the room or
+// the heap can stretch it. Throws CXMemException; the old block then stays as it was.
+void* block_grow(void* p, std::size_t old_n, std::size_t n);
+
 // Objects in such blocks.
 template <class T, class... Arguments>
 T* block_new(Arguments&&... arguments) {

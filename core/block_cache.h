@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <new>
 
@@ -14,16 +15,23 @@ class BlockCache {
 public:
     constexpr BlockCache() {
         for (std::size_t i = 0; i < kClasses; ++i)
-            classes_[i].limit = static_cast<unsigned>(kBytesPerClass / ((i + 1) * kStep));
+            classes_[i].limit = static_cast<unsigned>(kBytesPerClass / largest_of(i));
     }
     ~BlockCache() { clear(); }
     BlockCache(const BlockCache&) = delete;
     BlockCache& operator=(const BlockCache&) = delete;
 
-    // The size that a block for n bytes must have to be kept here later.
+    // The size that a block for n bytes has. Those that can be kept here later have the size of their class;
+    // larger ones are rounded up in the same way, by an eighth at most, so that a text that grows bit by bit
+    // turns to the heap now and then and not each time.
     static constexpr std::size_t rounded(std::size_t n) noexcept {
-        return n <= kLargest ? (class_of(n) + 1) * kStep : n;
+        if (n > kLargestRounded) return n;
+        const std::size_t step = std::size_t{1} << step_bits(n);
+        return (n + (n == 0) + step - 1) & ~(step - 1);
     }
+
+    // Whether blocks for n bytes are ever kept here.
+    static constexpr bool keeps(std::size_t n) noexcept { return n <= kLargest; }
 
     // A block for n bytes, or null.
     void* take(std::size_t n) noexcept {
@@ -57,12 +65,25 @@ public:
     void clear() noexcept;
 
 private:
-    static constexpr std::size_t kStep = 16;
+    // Sizes are 16 apart up to 256, then eight to each power of two.
+    static constexpr unsigned kLeastStepBits = 4;
+    static constexpr std::size_t kPerPower = 8;
     static constexpr std::size_t kLargest = 512;
-    static constexpr std::size_t kClasses = kLargest / kStep;
+    static constexpr std::size_t kLargestRounded = 64 * 1024;
+    static constexpr std::size_t kClasses = 3 * kPerPower;
     static constexpr std::size_t kBytesPerClass = 128 * 1024;
 
-    static constexpr std::size_t class_of(std::size_t n) noexcept { return n == 0 ? 0 : (n - 1) / kStep; }
+    static constexpr unsigned step_bits(std::size_t n) noexcept {
+        return static_cast<unsigned>(std::bit_width((n - (n != 0)) | 128)) - kLeastStepBits;
+    }
+    static constexpr std::size_t class_of(std::size_t n) noexcept {
+        const unsigned bits = step_bits(n);
+        return ((n - (n != 0)) >> bits) + (bits - kLeastStepBits) * kPerPower;
+    }
+    static constexpr std::size_t largest_of(std::size_t c) noexcept {
+        const std::size_t doublings = c < 2 * kPerPower ? 0 : c / kPerPower - 1;
+        return (c - doublings * kPerPower + 1) << (kLeastStepBits + doublings);
+    }
 
     struct FreeBlock {
         FreeBlock* next;

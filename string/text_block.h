@@ -57,12 +57,15 @@ std::size_t block_size(std::size_t capacity) noexcept {
     return sizeof(TextBlock) + capacity + sizeof(Unit);
 }
 
-// A block for `units` units with count 1. The text area is not filled. Throws CXMemException, also for blocks
-// beyond 2 GiB.
+// No block is larger than 2 GiB.
+template <class Unit>
+inline constexpr std::uint64_t kMostUnits = (INT_MAX - sizeof(TextBlock)) / sizeof(Unit) - 1;
+
+// A block for `units` units with count 1. The text area is not filled. Throws CXMemException, also for too
+// many units.
 template <class Unit>
 Unit* new_text(std::uint64_t units) {
-    constexpr std::uint64_t kMost = (INT_MAX - sizeof(TextBlock)) / sizeof(Unit) - 1;
-    if (units > kMost) throw CXMemException();
+    if (units > kMostUnits<Unit>) throw CXMemException();
     const std::size_t capacity = static_cast<std::size_t>(units) * sizeof(Unit);
     auto* const block = static_cast<TextBlock*>(block_alloc(block_size<Unit>(capacity)));
     *block = {1, 0, static_cast<int>(capacity)};
@@ -71,10 +74,13 @@ Unit* new_text(std::uint64_t units) {
     return text;
 }
 
-// Clears the text area from unit `from` on.
+// Clears the text area from unit `from` on, and that unit even if it is the one behind the area. An exact
+// block has nothing else to clear.
 template <class Unit>
 void zero_rest(Unit* text, std::size_t from) noexcept {
-    std::memset(text + from, 0, static_cast<std::size_t>(header_of(text)->capacity) - from * sizeof(Unit));
+    text[from] = 0;
+    const std::size_t rest = static_cast<std::size_t>(header_of(text)->capacity) - from * sizeof(Unit);
+    if (rest > sizeof(Unit)) std::memset(text + from, 0, rest);
 }
 
 template <class Unit>
@@ -123,12 +129,57 @@ std::size_t capacity_units(const Unit* text) noexcept {
     return static_cast<std::size_t>(header_of(text)->capacity) / sizeof(Unit);
 }
 
+// Whether the string alone has a block, which edits may then change in place.
+template <class Unit>
+bool owns_block(const Unit* text) noexcept {
+    return is_private(text) && !is_empty_text(text);
+}
+
+// Whether s lies in the text area, so that it may not change before s was read.
+template <class Unit>
+bool reads_text(const Unit* text, const Unit* s) noexcept {
+    return s >= text && s <= text + capacity_units(text);
+}
+
+// Whether an own block does for another capacity as it is.
+template <class Unit>
+bool refits_text(const Unit* text, std::uint64_t units) noexcept {
+    return units <= kMostUnits<Unit> &&
+           block_refits(block_size<Unit>(static_cast<std::size_t>(header_of(text)->capacity)),
+                        block_size<Unit>(static_cast<std::size_t>(units) * sizeof(Unit)));
+}
+
+// Gives an own block that was refitted its new capacity. A lock ends, as it would with a new block.
+template <class Unit>
+void set_capacity(Unit* text, std::uint64_t units) noexcept {
+    *header_of(text) = {1, header_of(text)->length, static_cast<int>(units * sizeof(Unit))};
+    text[units] = 0;
+}
+
+// Gives an own block room for `units` units, more than it has, keeping the bytes; what is new is not filled.
+// Throws CXMemException, the text then stays as it was.
+template <class Unit>
+void stretch_text(Unit*& text, std::uint64_t units) {
+    if (units > kMostUnits<Unit>) throw CXMemException();
+    void* const grown =
+        block_grow(header_of(text), block_size<Unit>(static_cast<std::size_t>(header_of(text)->capacity)),
+                   block_size<Unit>(static_cast<std::size_t>(units) * sizeof(Unit)));
+    text = reinterpret_cast<Unit*>(static_cast<TextBlock*>(grown) + 1);
+    set_capacity(text, units);
+}
+
 // Makes the text private with room for at least n units. A longer text is cut only when it has to move.
 template <class Unit>
 void reserve_text(Unit*& text, std::uint64_t n) {
     if (is_private(text) && n <= capacity_units(text)) return;
-    Unit* const fresh = new_text<Unit>(n);
     std::size_t kept = text_length(text);
+    if (owns_block(text)) {
+        stretch_text(text, n);
+        zero_rest(text, kept);
+        header_of(text)->length = static_cast<int>(n);
+        return;
+    }
+    Unit* const fresh = new_text<Unit>(n);
     if (kept > n) kept = static_cast<std::size_t>(n);
     copy_units(fresh, text, kept);
     zero_rest(fresh, kept);
@@ -156,15 +207,22 @@ void edit_text(Unit*& text, const TextEdit<Unit>& e) {
     const std::size_t tail = e.length - tail_at;
     const std::size_t result = e.at + e.added + tail;
     const std::size_t capacity = capacity_units(text);
-    const bool keeps_block = is_private(text) && (e.exact ? e.room == capacity : e.room <= capacity);
-    const bool reads_itself = e.added != 0 && e.s >= text && e.s <= text + e.length;
-    if (keeps_block && !reads_itself) {
-        std::memmove(text + e.at + e.added, text + tail_at, tail * sizeof(Unit));
+    const bool grows = e.room > capacity;
+    const bool shrinks = e.exact && e.room < capacity;
+    const bool reads_itself = e.added != 0 && reads_text(text, e.s);
+    if (owns_block(text) && !reads_itself && (!shrinks || refits_text(text, e.room))) {
+        if (grows) stretch_text(text, e.room);
+        if (tail != 0) std::memmove(text + e.at + e.added, text + tail_at, tail * sizeof(Unit));
         copy_units(text + e.at, e.s, e.added);
         text[result] = 0;
+        if (!grows && !shrinks) return;
+        set_capacity(text, e.room);
+        zero_rest(text, result);
+        header_of(text)->length = static_cast<int>(result);
         return;
     }
-    Unit* const fresh = new_text<Unit>(keeps_block ? capacity : e.room);
+    const bool keeps_capacity = is_private(text) && !grows && !shrinks;
+    Unit* const fresh = new_text<Unit>(keeps_capacity ? capacity : e.room);
     copy_units(fresh, text, e.at);
     copy_units(fresh + e.at, e.s, e.added);
     copy_units(fresh + e.at + e.added, text + tail_at, tail);
@@ -180,6 +238,13 @@ void overwrite_text(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
     if (is_private(text) && room <= capacity_units(text)) {
         if (n != 0) std::memmove(text + at, s, n * sizeof(Unit));
         text[at + n] = 0;
+        return;
+    }
+    if (owns_block(text) && (n == 0 || !reads_text(text, s))) {
+        stretch_text(text, room);
+        copy_units(text + at, s, n);
+        text[at + n] = 0;
+        header_of(text)->length = static_cast<int>(room);
         return;
     }
     Unit* const fresh = new_text<Unit>(room);
