@@ -52,6 +52,7 @@ void dictionary_rows(Ledger& ledger);
 void file_rows(Ledger& ledger);
 void heap_rows(Ledger& ledger);
 void ini_rows(Ledger& ledger);
+void lock_rows(Ledger& ledger);
 void object_rows(Ledger& ledger);
 void storage_rows(Ledger& ledger);
 void stream_rows(Ledger& ledger);

@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
     bench::string_rows(rows);
     bench::variant_rows(rows);
     bench::heap_rows(rows);
+    bench::lock_rows(rows);
     bench::stream_rows(rows);
     bench::tree_rows(rows);
     bench::tree_memory_rows(rows);
