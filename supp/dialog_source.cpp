@@ -27,10 +27,10 @@ DialogBytes dialog_bytes(const void* dialog_template) noexcept {
 
 namespace {
 
-bool translate_with(const DialogBytes& bytes, const wchar_t* context, const DialogLayout* layout,
+bool translate_with(const DialogBytes& bytes, const WideHash& context, const DialogLayout* layout,
                     Vector<std::byte>& copy) {
     DialogChanges changes;
-    changes.text = [context](const wchar_t* text) { return translate(text, context); };
+    changes.text = [&context](const wchar_t* text) { return translate(text, context); };
     if (layout != nullptr) changes.place = [layout](unsigned item) { return layout->find(item); };
     return translate_dialog_template(bytes.data, bytes.size, changes, copy);
 }
@@ -40,10 +40,9 @@ bool translate_with(const DialogBytes& bytes, const wchar_t* context, const Dial
 bool translate_dialog(const DialogBytes& bytes, const DialogSource* source,
                       Vector<std::byte>& copy) noexcept {
     try {
-        if (source == nullptr) return translate_with(bytes, nullptr, nullptr, copy);
-        const CXStringW context = resource_context(source->file(), ResourceKind::dialog, source->id());
-        return translate_with(bytes, context.GetData(), find_dialog_layout(source->file(), source->id()),
-                              copy);
+        if (source == nullptr) return translate_with(bytes, {}, nullptr, copy);
+        return translate_with(bytes, resource_context(source->file(), ResourceKind::dialog, source->id()),
+                              find_dialog_layout(source->file(), source->id()), copy);
     } catch (...) {
         return false;
     }

@@ -7,7 +7,7 @@ namespace qzr {
 
 namespace {
 
-HMENU translate_items(HMENU menu, const wchar_t* context) {
+HMENU translate_items(HMENU menu, const WideHash& context) {
     rewrite_menu(menu, kMostItemUnits, [&](const wchar_t* text) { return translate(text, context); });
     return menu;
 }
@@ -15,7 +15,7 @@ HMENU translate_items(HMENU menu, const wchar_t* context) {
 bool wanted(HMENU menu) { return menu != nullptr && translation_enabled() && !dictionary_is_empty(); }
 
 HMENU translate_named(HMENU menu, HINSTANCE module, const wchar_t* name) {
-    return translate_items(menu, resource_context(module, ResourceKind::menu, name).GetData());
+    return translate_items(menu, resource_context(module, ResourceKind::menu, name));
 }
 
 } // namespace
@@ -46,7 +46,7 @@ HMENU WINAPI hooked::load_menu_indirect_a(const MENUTEMPLATEA* menu_template) {
     HMENU const menu = unhooked(Hook::load_menu_indirect_a, ::LoadMenuIndirectA)(menu_template);
     if (!wanted(menu)) return menu;
     try {
-        return translate_items(menu, nullptr);
+        return translate_items(menu, {});
     } catch (...) {
         return menu;
     }

@@ -23,14 +23,16 @@ const Unit* block_of(unsigned id) {
     return reinterpret_cast<const Unit*>(static_cast<ULONG_PTR>(id / kBlock + 1));
 }
 
+const wchar_t* translate_in(const wchar_t* text, const WideHash& context) { return translate(text, context); }
+const char* translate_in(const char* text, const CXString& context) {
+    return translate(text, context.GetData());
+}
+
 template <class Unit>
 const Unit* translation_of(HINSTANCE module, unsigned id, const Unit* text) {
     constexpr unsigned kIds = 0x10000;
-    if (id < kIds) {
-        const auto context = resource_context(module, ResourceKind::string_table, block_of<Unit>(id));
-        if (const Unit* const found = find_translation(text, context.GetData())) return found;
-    }
-    return translate(text);
+    if (id >= kIds) return translate(text);
+    return translate_in(text, resource_context(module, ResourceKind::string_table, block_of<Unit>(id)));
 }
 
 // Translates what was loaded into the buffer. A translation that does not fit is cut, without a zero then;
@@ -42,7 +44,7 @@ int translate_loaded(HINSTANCE module, unsigned id, Unit* buffer, int size, int 
     if (dictionary_is_empty()) return loaded;
     try {
         const Unit* const translated = translation_of(module, id, buffer);
-        if (same(translated, buffer)) return loaded;
+        if (translated == buffer || same(translated, buffer)) return loaded;
         copy(buffer, translated, static_cast<std::size_t>(size));
         return static_cast<int>(length(translated));
     } catch (...) {

@@ -1,8 +1,10 @@
 // The dictionary as the hooks and the window functions see it. Texts that are handed out live until unload.
 //
 // A key is a context directly followed by a text, both of one width; a null context counts as empty. Narrow
-// keys are in the dictionary's code page.
+// keys are in the dictionary's code page. Of a wide context the hash is all that is needed.
 #pragma once
+
+#include "supp/wide_hash.h"
 
 namespace qzr {
 
@@ -15,12 +17,13 @@ bool dictionary_is_empty() noexcept;
 // The translation of exactly this key, or null when there is no entry. An entry without translation, or, for
 // the wide form, with one that cannot be converted, gives its own source, which may be the whole key. Throw
 // CXMemException.
-const wchar_t* find_translation(const wchar_t* text, const wchar_t* context = nullptr);
+const wchar_t* find_translation(const wchar_t* text, const WideHash& context = {});
 const char* find_translation(const char* text, const char* context = nullptr);
 
 // The translation in the context, or else that of the text alone, or else the text itself. Null for a null or
 // empty text. Throw CXMemException.
-const wchar_t* translate(const wchar_t* text, const wchar_t* context = nullptr);
+const wchar_t* translate(const wchar_t* text);
+const wchar_t* translate(const wchar_t* text, const WideHash& context);
 const char* translate(const char* text, const char* context = nullptr);
 
 // Replace a text in a buffer of `size` units by its translation, cut to what fits in whole characters. A text

@@ -1,5 +1,4 @@
 // What the hooks alone use of translation.
-#include "core/name_hash.h"
 #include "param/tree_walk.h"
 #include "qzstring.h"
 #include "supp/dialog_font.h"
@@ -7,6 +6,7 @@
 #include "supp/dictionary.h"
 #include "supp/translate.h"
 #include "supp/translation_context.h"
+#include "supp/wide_hash.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +49,7 @@ TEST_F(Translation, FindsNarrowTextsInContexts) {
         EXPECT_EQ(or_none(translate(row.text, row.context)), row.translated);
         const CXStringW text(row.text);
         const CXStringW context(row.context);
-        const wchar_t* const wide = find_translation(text.GetData(), context.GetData());
+        const wchar_t* const wide = find_translation(text.GetData(), wide_hash(context.GetData()));
         EXPECT_EQ(wide != nullptr ? CXString(wide).GetData() : std::string("(none)"), row.found);
     }
     EXPECT_EQ(translate("", "CtxText"), nullptr);
@@ -103,12 +103,48 @@ TEST(DictionaryClosed, KeepsTextsOutsideWithoutAddingThem) {
     dictionary.add("before", "avant");
     dictionary.set_closed_to_entries(true);
     dictionary.add("after", "apr\xE8s");
-    EXPECT_EQ(dictionary.find(hash_wide(L"after")), nullptr);
-    DictionaryEntry& outside = dictionary.find_or_add("after");
-    EXPECT_STREQ(wide_translation(outside), L"after");
-    EXPECT_EQ(dictionary.find(hash_wide(L"after")), nullptr);
-    EXPECT_NE(&dictionary.find_or_add("after"), &outside);
-    EXPECT_STREQ(wide_translation(dictionary.find_or_add("before")), L"avant");
+    EXPECT_FALSE(dictionary.find(wide_hash(L"after").hash));
+    const DictionaryEntry outside = dictionary.find_or_add("after");
+    EXPECT_STREQ(dictionary.wide_translation(outside), L"after");
+    EXPECT_FALSE(dictionary.find(wide_hash(L"after").hash));
+    EXPECT_NE(dictionary.find_or_add("after").wide, outside.wide);
+    EXPECT_STREQ(dictionary.wide_translation(dictionary.find_or_add("before")), L"avant");
+}
+
+TEST(DictionaryTable, FindsEveryHashAndNoOther) {
+    DictionaryTable table;
+    const auto hash_of = [](unsigned i) { return i < 100 ? i << 25 : i * 3; }; // 0, and many of one group
+    for (unsigned i = 0; i < 5000; ++i) {
+        EXPECT_FALSE(table.find(hash_of(i)));
+        table.make_room();
+        table.add(hash_of(i), i + 1);
+    }
+    for (unsigned i = 0; i < 5000; ++i)
+        ASSERT_EQ(table.find(hash_of(i)).pair, i + 1) << i;
+    EXPECT_FALSE(table.find(1));
+}
+
+// Texts of every length, right before a page that cannot be read, at even and odd addresses.
+TEST(WideHash, IsTheSumOfAllUnits) {
+    constexpr std::size_t kPage = 4096;
+    auto* const pages = static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE);
+    std::wstring text;
+    WideHash expected;
+    for (unsigned n = 0; n < 100; ++n) {
+        for (const std::size_t gap : {0, 1, 2, 40, 1000}) {
+            const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
+            char* const place = pages + kPage - gap - size;
+            std::memcpy(place, text.c_str(), size);
+            const WideHash hash = wide_hash(reinterpret_cast<const wchar_t*>(place));
+            EXPECT_EQ(hash.hash, expected.hash) << n << " units, " << gap;
+            EXPECT_EQ(hash.power, expected.power) << n << " units, " << gap;
+        }
+        const auto unit = static_cast<wchar_t>(n % 3 == 0 ? 0xFFFF - n : 0x41 + n * 0x101);
+        text += unit;
+        expected = {expected.hash * 257 + unit, expected.power * 257};
+    }
+    VirtualFree(pages, 0, MEM_RELEASE);
 }
 
 TEST(DialogFontChoice, NamesAFont) {

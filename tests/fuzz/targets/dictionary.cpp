@@ -118,10 +118,10 @@ void run(const std::string& input) {
         known.try_emplace(hash_of(CXStringW(source.c_str())), translation.empty() ? source : translation);
     }
     for (const auto& [hash, expected] : known) {
-        qzr::DictionaryEntry* const entry = dictionary.find(hash);
-        fuzz::require(entry != nullptr, "an entry is missing");
-        fuzz::require(qzr::narrow_translation(*entry) == expected, "another translation");
-        fuzz::require(CXStringW(expected.c_str()) == qzr::wide_translation(*entry),
+        const qzr::DictionaryEntry entry = dictionary.find(hash);
+        fuzz::require(static_cast<bool>(entry), "an entry is missing");
+        fuzz::require(dictionary.narrow_translation(entry) == expected, "another translation");
+        fuzz::require(CXStringW(expected.c_str()) == dictionary.wide_translation(entry),
                       "another wide translation");
     }
 }
