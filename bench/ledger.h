@@ -51,6 +51,7 @@ protected:
 void dictionary_rows(Ledger& ledger);
 void file_rows(Ledger& ledger);
 void heap_rows(Ledger& ledger);
+void hook_rows(Ledger& ledger);
 void ini_rows(Ledger& ledger);
 void lock_rows(Ledger& ledger);
 void object_rows(Ledger& ledger);

@@ -111,6 +111,7 @@ int main(int argc, char** argv) {
     bench::tree_form_rows(rows);
     bench::object_rows(rows);
     bench::dictionary_rows(rows);
+    bench::hook_rows(rows);
     bench::file_rows(rows);
     bench::ini_rows(rows);
     bench::storage_rows(rows);
