@@ -1,5 +1,8 @@
 #include "supp/dialog_template.h"
 
+#include "string/scan.h"
+
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
@@ -87,15 +90,15 @@ private:
 
     Unit peek_unit() const noexcept { return sound_ && left() >= sizeof(Unit) ? read<Unit>(next_) : Unit{0}; }
 
-    // Reads a text and its zero into text_.
+    // Reads a text and its zero into text_; it may stand at an odd address.
     void read_text() {
-        text_.clear();
-        while (sound_ && text_.size() <= kLongestText && left() >= sizeof(Unit)) {
-            text_.push_back(static_cast<wchar_t>(read<Unit>(next_)));
-            next_ += sizeof(Unit);
-            if (text_.back() == 0) return;
-        }
-        sound_ = false;
+        const std::size_t most = sound_ ? std::min(left() / sizeof(Unit), kLongestText + 1) : 0;
+        const std::size_t length = text_length(reinterpret_cast<const wchar_t*>(next_), most);
+        sound_ = length < most;
+        if (!sound_) return;
+        text_.resize(length + 1);
+        std::memcpy(text_.data(), next_, text_.size() * sizeof(Unit));
+        next_ += text_.size() * sizeof(Unit);
     }
 
     void put_text(const wchar_t* text) { put(text, (std::wcslen(text) + 1) * sizeof *text); }

@@ -1,20 +1,22 @@
 // Loading strings.
+#include "string/scan.h"
 #include "supp/hook_state.h"
 #include "supp/resource_context.h"
 
+#include <algorithm>
 #include <cstring>
-#include <cwchar>
 
 namespace qzr {
 
 namespace {
 
-std::size_t length(const char* text) { return std::strlen(text); }
-std::size_t length(const wchar_t* text) { return std::wcslen(text); }
-bool same(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
-bool same(const wchar_t* a, const wchar_t* b) { return std::wcscmp(a, b) == 0; }
-void copy(char* to, const char* from, std::size_t size) { std::strncpy(to, from, size); }
-void copy(wchar_t* to, const wchar_t* from, std::size_t size) { std::wcsncpy(to, from, size); }
+// Fills the whole buffer, with zeroes behind the text.
+template <class Unit>
+void copy(Unit* to, std::size_t size, const Unit* from, std::size_t length) {
+    const std::size_t copied = std::min(size, length);
+    std::memcpy(to, from, copied * sizeof(Unit));
+    std::memset(to + copied, 0, (size - copied) * sizeof(Unit));
+}
 
 // Strings are kept in blocks of 16; the context names the block.
 template <class Unit>
@@ -44,9 +46,12 @@ int translate_loaded(HINSTANCE module, unsigned id, Unit* buffer, int size, int 
     if (dictionary_is_empty()) return loaded;
     try {
         const Unit* const translated = translation_of(module, id, buffer);
-        if (translated == buffer || same(translated, buffer)) return loaded;
-        copy(buffer, translated, static_cast<std::size_t>(size));
-        return static_cast<int>(length(translated));
+        if (translated == buffer) return loaded;
+        const std::size_t length = text_length(translated);
+        const auto room = static_cast<std::size_t>(size);
+        if (std::memcmp(translated, buffer, std::min(length + 1, room) * sizeof(Unit)) == 0) return loaded;
+        copy(buffer, room, translated, length);
+        return static_cast<int>(length);
     } catch (...) {
         return loaded;
     }
