@@ -6,6 +6,7 @@
 #include "fio/file_slots.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace qzr {
 
@@ -17,17 +18,16 @@ class CXMemFile : public FileSlots<CXMemFile<Base>, Base> {
 public:
     explicit CXMemFile(const wchar_t* name) : name_(name, QZOP_READ) {
         const MemoryBlockName block = parse_memory_path(name);
-        data_ = reinterpret_cast<const unsigned char*>(static_cast<std::intptr_t>(block.address));
+        address_ = static_cast<std::uintptr_t>(std::intptr_t{block.address});
         size_ = static_cast<unsigned>(block.size);
-        if (block.size < 0) size_ = static_cast<unsigned>(readable_bytes(data_, size_));
+        if (block.size < 0) size_ = static_cast<unsigned>(readable_bytes(at(0), size_));
     }
 
     unsigned Read(void* buffer, unsigned count) final {
         const unsigned n = std::min(count, size_ - position_);
         if (n == 0) return 0;
-        if (readable_bytes(data_ + position_, n) < n)
-            throw CXFileException(QZERR_OTHER, QZOP_READ, name_.get());
-        std::memcpy(buffer, data_ + position_, n);
+        if (readable_bytes(at(position_), n) < n) throw CXFileException(QZERR_OTHER, QZOP_READ, name_.get());
+        std::memcpy(buffer, at(position_), n);
         position_ += n;
         return n;
     }
@@ -43,13 +43,19 @@ public:
 
     std::span<const unsigned char> ahead(std::uint64_t wanted) {
         const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, size_ - position_));
-        return {data_ + position_, readable_bytes(data_ + position_, n)};
+        return {at(position_), readable_bytes(at(position_), n)};
     }
     void skip(std::size_t count) { position_ += static_cast<unsigned>(count); }
 
 private:
+    // The name may say the last addresses there are, so these are numbers, which wrap; nothing can be read
+    // there.
+    const unsigned char* at(unsigned position) const noexcept {
+        return reinterpret_cast<const unsigned char*>(address_ + position);
+    }
+
     const FilePath name_;
-    const unsigned char* data_;
+    std::uintptr_t address_;
     unsigned position_ = 0; // never beyond the size
     unsigned size_;
 };
