@@ -7,6 +7,7 @@
 //
 // Two calls are all that translation takes: see translate() below.
 #include "qzsupp.h"
+#include "qztext.h"
 #include "sketchbook.h"
 
 #include "ids.h"
@@ -31,8 +32,7 @@ bool translate(const char* dictionary) {
 // --- as text
 
 std::string utf8(const wchar_t* text) {
-    char bytes[1024] = {};
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes - 1, nullptr, nullptr);
+    std::string bytes = qz::utf8(text);
     for (char& c : bytes)
         if (c == '\t') c = ' ';
     return bytes;

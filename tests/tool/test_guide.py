@@ -35,4 +35,4 @@ class Guide(ProgramTest):
             page = text_of("docs", "guide", name + ".md")
             for line in (f"@include {name}.cpp\n", f"@include {name}.txt\n"):
                 self.assertIn("\n" + line, page)
-            self.assertIn(f"@subpage guide_{name}\n", manual)
+            self.assertIn(f"](guide/{name}.md)\n", manual)
