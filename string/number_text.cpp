@@ -3,10 +3,14 @@
 #include "core/allocator.h"
 #include "string/scan.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <bit>
 #include <charconv>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -66,7 +70,74 @@ bool is_halfway(double value) {
     return *behind == 'e';
 }
 
+// Reals that are written without an exponent: most of those that are stored. A real is a whole number times a
+// power of two, so fourteen digits of one this size come out exactly in 128 bits, for a third of what the
+// general way costs.
+namespace plain {
+
+__extension__ using Wide = unsigned __int128;
+
+constexpr double kSmallest = 1e-4;
+constexpr double kTooLarge = 99999999999999.5; // rounded it has fifteen digits
+
+constexpr int kMostPlaces = 18;
+constexpr auto kPowersOfFive = [] {
+    std::array<std::uint64_t, kMostPlaces + 1> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i)
+        powers[i] = powers[i - 1] * 5;
+    return powers;
+}();
+
+struct Digits {
+    std::uint64_t digits;
+    int places; // so many of the digits stand behind the point
+};
+
+// Rounded away from zero in the middle, as the runtime does.
+Digits round(double magnitude) {
+    constexpr std::uint64_t kBeyondDigits = 100000000000000;
+    constexpr int kMantissaBits = 52;
+    const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+    const std::uint64_t mantissa = (bits & ((1ull << kMantissaBits) - 1)) | (1ull << kMantissaBits);
+    const int exponent = static_cast<int>(bits >> kMantissaBits) - 1023; // of two
+
+    // The exponent of ten, or one less: log10(2) is 78913 / 2^18.
+    int places = kDigits - 1 - ((exponent * 78913) >> 18);
+    for (;; --places) {
+        const Wide product = Wide{mantissa} * kPowersOfFive[static_cast<std::size_t>(places)];
+        const int shift = kMantissaBits - exponent - places;
+        if (static_cast<std::uint64_t>(product >> shift) >= kBeyondDigits) continue;
+        return {static_cast<std::uint64_t>((product + (Wide{1} << (shift - 1))) >> shift), places};
+    }
+}
+
+int text(char* out, double value) {
+    Digits number = round(std::fabs(value));
+    while (number.places > 0 && number.digits % 10 == 0) {
+        number.digits /= 10;
+        --number.places;
+    }
+    char* p = out;
+    if (value < 0) *p++ = '-';
+    char digits[kRealTextSize];
+    const auto count =
+        static_cast<int>(std::to_chars(digits, digits + sizeof digits, number.digits).ptr - digits);
+    const int whole = count - number.places;
+    if (whole <= 0) *p++ = '0';
+    p = std::copy_n(digits, std::max(whole, 0), p);
+    if (number.places > 0) {
+        *p++ = '.';
+        p = std::fill_n(p, std::max(-whole, 0), '0');
+        p = std::copy(digits + std::max(whole, 0), digits + count, p);
+    }
+    return finish(out, p);
+}
+
+} // namespace plain
+
 int shortest_general(char* out, double value) {
+    const double magnitude = std::fabs(value);
+    if (magnitude >= plain::kSmallest && magnitude < plain::kTooLarge) return plain::text(out, value);
     if (!std::isfinite(value)) return special_text(out, value);
     // The runtime rounds these away from zero.
     if (is_halfway(value))
