@@ -20,6 +20,11 @@ std::wstring directory_of(const std::wstring& path) {
     return last != std::wstring::npos ? path.substr(0, last + 1) : std::wstring();
 }
 
+int compared(const std::wstring& a, const std::wstring& b) {
+    return CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(), static_cast<int>(b.size()),
+                                TRUE);
+}
+
 } // namespace
 
 std::wstring full_path(const std::wstring& name) {
@@ -44,9 +49,10 @@ std::wstring named_file(std::string_view name, const std::wstring& from) {
     return full_path(path);
 }
 
-bool same_file(const std::wstring& a, const std::wstring& b) {
-    return CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(), static_cast<int>(b.size()),
-                                TRUE) == CSTR_EQUAL;
+bool same_file(const std::wstring& a, const std::wstring& b) { return compared(a, b) == CSTR_EQUAL; }
+
+bool FileOrder::operator()(const std::wstring& a, const std::wstring& b) const {
+    return compared(a, b) == CSTR_LESS_THAN;
 }
 
 // Piece by piece, each as large as all before it. The size is not asked for: that of a block of memory is

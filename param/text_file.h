@@ -18,6 +18,11 @@ std::wstring full_path(const std::wstring& name);
 // Tells whether two full paths are the same but for case.
 bool same_file(const std::wstring& a, const std::wstring& b);
 
+// An order of full paths in which those are equal.
+struct FileOrder {
+    bool operator()(const std::wstring& a, const std::wstring& b) const;
+};
+
 // Reads a whole file. Throws CXFileException, CXException, CXMemException and std::bad_alloc.
 std::string read_text_file(const std::wstring& path);
 

@@ -7,7 +7,9 @@
 #include "qzref.h"
 #include "string/multibyte.h"
 
+#include <cstdint>
 #include <deque>
+#include <set>
 #include <utility>
 
 namespace qzr {
@@ -18,6 +20,10 @@ constexpr std::size_t kDeepestInclude = 16; // the outermost text is 0
 
 // Files that include others several times each multiply from level to level; this many are read in all.
 constexpr unsigned kMostIncludes = 10000;
+
+// Of files that were read before, so many bytes are read again: a small text and a large file would do for
+// hours.
+constexpr std::uint64_t kMostRepeatedBytes = std::uint64_t{64} << 20;
 
 constexpr std::string_view kInclude = "#include";
 
@@ -108,9 +114,13 @@ private:
         if (sources_.size() > kDeepestInclude || includes_ == kMostIncludes) return;
         std::wstring path = named_file(name, sources_.back().path);
         if (path.empty() || is_being_read(path)) return;
+        const bool again = !included_.insert(path).second;
+        if (again && repeated_bytes_ >= kMostRepeatedBytes) return;
         ++includes_;
         std::string content;
-        if (try_read_text_file(path, content)) sources_.emplace_back(std::move(content), std::move(path));
+        if (!try_read_text_file(path, content)) return;
+        if (again) repeated_bytes_ += content.size();
+        sources_.emplace_back(std::move(content), std::move(path));
     }
 
     bool is_being_read(const std::wstring& path) const {
@@ -175,6 +185,8 @@ private:
     CQZRef<IParam> node_;        // of the section being read; nothing before the first one
     std::deque<Source> sources_; // innermost last; stays in place while growing
     unsigned includes_ = 0;
+    std::set<std::wstring, FileOrder> included_; // every file that was asked for
+    std::uint64_t repeated_bytes_ = 0;
     std::string scratch_;
     const LeadBytes leads_ = lead_bytes();
 };

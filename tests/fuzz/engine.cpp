@@ -45,7 +45,7 @@ public:
             (fs::path(run.work) / (std::string(target.name) + "-found")).generic_string();
         fs::create_directories(work_);
         fs::create_directories(found);
-        start_guard({target.name, found, 20, target.most_memory});
+        start_guard({target.name, found, kPatience, target.most_memory});
     }
 
     int run() {

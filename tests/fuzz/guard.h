@@ -5,10 +5,12 @@
 
 namespace fuzz {
 
+constexpr unsigned kPatience = 60; // seconds; compound files take long on a machine that does much else
+
 struct Guard {
     std::string target;
-    std::string found_folder; // where bad inputs go; exists
-    unsigned seconds = 20;    // that one input may take
+    std::string found_folder;     // where bad inputs go; exists
+    unsigned seconds = kPatience; // that one input may take
     unsigned long long most_memory = 0;
 };
 void start_guard(const Guard& guard); // once

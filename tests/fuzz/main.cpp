@@ -34,7 +34,7 @@ const Target* find_target(const char* name) {
 int replay(const Target& target, char** files, int count) {
     const std::string folder = "build/fuzz-work/replayed";
     std::filesystem::create_directories(folder);
-    start_guard({target.name, folder, 20, target.most_memory});
+    start_guard({target.name, folder, kPatience, target.most_memory});
     for (int i = 0; i < count; ++i) {
         std::ifstream in(files[i], std::ios::binary);
         const std::string input{std::istreambuf_iterator<char>(in), {}};

@@ -135,6 +135,21 @@ TEST_F(TextIncludeScale, EndsWhereFilesMultiply) {
     EXPECT_EQ(value_in(*tree_from("[\\]|#include 1.ini|after=i1"), "after"), "int 1");
 }
 
+TEST_F(TextIncludeScale, ALargeFileIsReadAgainUpTo64MiBInAll) {
+    std::string file = "v=i1\n;";
+    file.resize(4 << 20, ';');
+    folder_.file(L"large.ini", file);
+    folder_.file(L"small.ini", "v=i1\n");
+    std::string text;
+    for (int i = 0; i < 30; ++i)
+        text += "[\\s" + std::to_string(i) + "]|#include " + (i % 2 == 0 ? "large.ini|" : "LARGE.ini|");
+    text += "[\\last]|#include small.ini|";
+    const Tree tree = tree_from(text);
+    EXPECT_EQ(value_in(*tree, "s16\\v"), "int 1"); // the first time and sixteen more
+    EXPECT_EQ(value_in(*tree, "s17\\v"), "none");
+    EXPECT_EQ(value_in(*tree, "last\\v"), "int 1");
+}
+
 TEST_F(TextInclude, CutsALineOfAFileAtItsFirstZero) {
     write("one.ini", std::string("b=i5\0c=i6|d=i7\ne=i8\0", 21));
     EXPECT_EQ(text_of(*tree_from("[\\]|#include one.ini")), "[\\]|b=i5|e=i8|");
