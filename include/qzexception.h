@@ -1,6 +1,7 @@
 /// @file
-/// What the library throws. All are thrown by value and caught by reference; none derives from
-/// std::exception. Where the cause is a text of the system, a CXString (qzstring.h) is thrown instead.
+/// What the library throws. All are thrown by value and caught by reference as a CXException; none derives
+/// from std::exception, so a program catches both. docs/files.md tells which error of the system has which
+/// code.
 #pragma once
 
 #include "qzexport.h"
@@ -11,7 +12,7 @@ enum QZError : unsigned {
     QZERR_MEMORY = 2,       ///< memory is exhausted
     QZERR_DISK_FULL = 3,    ///< the disk is full, or a file would pass 4 GiB - 1 bytes
     QZERR_EOF = 4,          ///< reading past the end
-    QZERR_SEEK = 5,         ///< seeking out of range, or with a bad origin in a file
+    QZERR_SEEK = 5,         ///< seeking out of range, a bad origin in a file, an exclusively locked path
     QZERR_NOT_FOUND = 6,    ///< no such file or element
     QZERR_BAD_PATH = 7,     ///< bad path or name
     QZERR_SHARING = 8,      ///< sharing or lock violation

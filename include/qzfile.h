@@ -54,8 +54,7 @@ public:
     /// feed, if there was room for it, and a zero; at the end of the file one character that was there before
     /// stands between: cut the line at the result. Give room for max + 2. A zero in the file is a character.
     /// @return the characters read, the line feed not counted; 0 for an empty line and at the end of the
-    /// file,
-    ///         which is no failure: compare positions
+    ///         file, which is no failure: compare positions
     virtual int ReadLineW(wchar_t* buffer, int max) = 0;
     virtual int ReadLine(char* buffer, int max) = 0; ///< the same for narrow text
 

@@ -73,8 +73,7 @@ QZR_API int Param_Param2String(IParam* param, CXString& out);
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
 /// "#include" opens files as Fio_Open does; names beginning with "." are taken from the current directory.
 /// @return 1; 0 when param is null or there is no memory for reading. Throws CXMemException when there is
-/// none
-///         for a value, and what the tree throws. What was read until then is kept in either case.
+///         none for a value, and what the tree throws. What was read until then is kept in either case.
 QZR_API int Param_String2Param(CXString& text, IParam* param);
 
 /// Writes a tree in its binary form at the stream's position. docs/stream-form.md describes it.

@@ -45,8 +45,7 @@ QZR_API int Fio_DownloadToFile(const wchar_t* url, const wchar_t* localPath);
 
 /// Brings a remote file into the platform's internet cache.
 /// @return the cache file's path, in a static buffer that the next call overwrites; null for null, for what
-/// is
-///         no URL, and on any failure
+///         is no URL, and on any failure
 QZR_API const wchar_t* Fio_DownloadToCacheFile(const wchar_t* url);
 
 /// Sends a local file, creating the remote directory. When the transfer breaks off, the part that arrived is

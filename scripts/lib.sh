@@ -12,6 +12,16 @@ die() {
     exit 1
 }
 
+# answer_help "$@": with --help, shows the comment at the head of the script and ends it.
+answer_help() {
+    case ${1:-} in
+    -h | --help)
+        sed -n '2,/^[^#]/{/^#/s/^# \{0,1\}//p}' "$0"
+        exit 0
+        ;;
+    esac
+}
+
 # bootstrap GROUP...: see scripts/bootstrap.
 bootstrap() { "$QZR_ROOT/scripts/bootstrap" "$@"; }
 
@@ -22,7 +32,7 @@ configure_and_build() {
     shift
     (
         cd "$QZR_ROOT"
-        cmake --preset "$preset" "${configure_options[@]}" >"$(log_file "configure-$preset")" 2>&1 ||
+        cmake --preset "$preset" -DQZR_TESTS=ON "${configure_options[@]}" >"$(log_file "configure-$preset")" 2>&1 ||
             { cat "$(log_file "configure-$preset")"; exit 1; }
         cmake --build --preset "$preset" -j "$QZR_JOBS" ${1:+--target "$@"}
     ) || die "building preset $preset failed"

@@ -21,7 +21,7 @@ constexpr Example kExamples[] = {
     {"remote", remote},   {"translation", translation},
 };
 
-// Everything that the library throws derives from CXException, except for the texts of the system.
+// Everything that the library throws derives from CXException.
 int run(const Example& example, const Argument& argument) {
     try {
         example.show(argument);
@@ -30,8 +30,6 @@ int run(const Example& example, const Argument& argument) {
         std::printf("%s: error %u\n", qz::utf8(e.m_pszFileName).c_str(), e.GetCode());
     } catch (const CXException& e) {
         std::printf("error %u\n", e.GetCode());
-    } catch (const CXString& text) {
-        std::printf("%s\n", text.GetData());
     }
     return 1;
 }
