@@ -62,5 +62,10 @@ void run(const std::string& input) {
 
 } // namespace
 
-const fuzz::Target fuzz::kInclude{
-    .name = "include", .run = run, .seeds = seeds, .pieces = pieces, .longest = kFiles * kRoom};
+// As many as 10000 includes are followed, each of which reads a file anew.
+const fuzz::Target fuzz::kInclude{.name = "include",
+                                  .run = run,
+                                  .seeds = seeds,
+                                  .pieces = pieces,
+                                  .longest = kFiles * kRoom,
+                                  .most_memory = 1ULL << 30};
