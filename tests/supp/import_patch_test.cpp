@@ -1,9 +1,9 @@
 // Redirected imports, counted slot by slot.
 #include "qzsupp.h"
 
-#include "fuzz/mutation.h"
 #include "support/image_imports.h"
 #include "support/import_mock.h"
+#include "support/random.h"
 
 #include <gtest/gtest.h>
 
@@ -227,7 +227,7 @@ TEST(ImportPatch, DamagedImagesAreSurvived) {
             ->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT]
             .VirtualAddress;
     void* const original = system_mul_div();
-    fuzz::Random random(20240602);
+    Random random(20240602);
     unsigned patched = 0;
     unsigned refused = 0;
     for (int round = 0; round < 4000; ++round) {
