@@ -107,6 +107,8 @@ def main(build, gcov=GCOV):
     missed = []
     total = [0, 0, 0, 0]
     for path, file in sorted(files.items()):
+        if not file.lines:
+            continue  # declarations alone
         branches = file.branches()
         edges = [count for counts in branches.values() for count in counts]
         figures = [sum(map(bool, file.lines.values())), len(file.lines), sum(map(bool, edges)), len(edges)]
