@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
 
 namespace qzr {
 
@@ -31,6 +30,7 @@ constexpr Unit kOrdinalMark = 0xFFFF;       // the next unit is an identifier, n
 constexpr Unit kMessageBoxFont = 0x7FFF;    // a point size that stands for the font of message boxes
 constexpr std::uint32_t kStyleFont = 0x40;  // DS_SETFONT
 constexpr std::size_t kLongestText = 65535; // units
+constexpr std::size_t kUsualCopy = 8192;
 
 // What the size in front of an item's creation data counts. The plain layout counts the two bytes of the size
 // too, but tools wrote it both ways.
@@ -42,6 +42,7 @@ public:
     Rewriter(const void* data, std::size_t size, const DialogChanges& changes, Vector<std::byte>& copy)
         : next_(static_cast<const std::byte*>(data)), end_(next_ + size), changes_(changes), copy_(copy) {
         copy_.clear();
+        copy_.reserve(std::min(size + size / 2, kUsualCopy)); // the size is only known to be no larger
     }
 
     bool run(const Layout& layout, CreationSize creation_size) {
@@ -101,7 +102,9 @@ private:
         next_ += text_.size() * sizeof(Unit);
     }
 
-    void put_text(const wchar_t* text) { put(text, (std::wcslen(text) + 1) * sizeof *text); }
+    void put_text(const wchar_t* text) { put(text, (text_length(text) + 1) * sizeof *text); }
+
+    void put_read_text() { put(text_.data(), text_.size() * sizeof(wchar_t)); }
 
     void copy_text() {
         read_text();
@@ -109,13 +112,16 @@ private:
         const wchar_t* translated = text_.front() != 0 ? changes_.text(text_.data()) : nullptr;
         // A translation that began like an identifier would be taken for one.
         const bool usable = translated != nullptr && *translated != 0 && *translated != kOrdinalMark;
-        put_text(usable ? translated : text_.data());
+        if (usable)
+            put_text(translated);
+        else
+            put_read_text();
     }
 
     void copy_name() {
         if (copy_ordinal()) return;
         read_text();
-        if (sound_) put_text(text_.data());
+        if (sound_) put_read_text();
     }
 
     bool copy_ordinal() {

@@ -1,9 +1,19 @@
 #include "supp/served_templates.h"
 
 #include <algorithm>
+#include <cstring>
 #include <mutex>
 
 namespace qzr {
+
+namespace {
+
+// The library compares vectors of bytes one by one.
+bool same_bytes(const Vector<std::byte>& a, const Vector<std::byte>& b) noexcept {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
+}
+
+} // namespace
 
 // A resource that is found again may be another one: its module went, and a new one came to its place.
 void ServedTemplates::note(HRSRC resource, const DialogSource& source) {
@@ -24,7 +34,7 @@ DialogBytes ServedTemplates::keep(HRSRC resource, Vector<std::byte>&& copy, std:
     const auto note = notes_.find(resource);
     if (note == notes_.end()) return {};
     const std::byte*& newest = note->second.newest;
-    if (newest == nullptr || copies_.at(newest) != copy) {
+    if (newest == nullptr || !same_bytes(copies_.at(newest), copy)) {
         const std::byte* const data = copy.data();
         copies_.emplace(data, std::move(copy));
         newest = data;
