@@ -46,7 +46,8 @@ public:
     /// @return 1 when found, else 0
     virtual int GetValue(const char* name, tagQZVARIANT* out) = 0;
 
-    /// Stores a copy of a value, creating the nodes on its path by OpenSubParam(path, 1).
+    /// Stores a copy of a value, creating the nodes on its path by OpenSubParam(path, 1). Throws
+    /// CXMemException when there is no memory; what was stored before is then still there.
     virtual void SetValue(const char* name, const tagQZVARIANT* value) = 0;
 
     virtual void DeleteValue(const char* name) = 0; ///< none is no failure
@@ -73,7 +74,8 @@ QZR_API int Param_Param2String(IParam* param, CXString& out);
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
 /// "#include" opens files as Fio_Open does; names beginning with "." are taken from the current directory.
 /// @return 1; 0 when param is null or there is no memory for reading. Throws CXMemException when there is
-///         none for a value, and what the tree throws. What was read until then is kept in either case.
+///         none for a value or the tree gives no node for a section, and what the tree throws. What was read
+///         until then is kept in either case.
 QZR_API int Param_String2Param(CXString& text, IParam* param);
 
 /// Writes a tree in its binary form at the stream's position. docs/stream-form.md describes it.
@@ -92,7 +94,8 @@ QZR_API int Param_Cmp(IParam* a, IParam* b);
 
 /// Copies src's children and values into dst, over what is there; nothing of dst is removed. dst may lie
 /// below src: nodes made by this call are not copied again.
-/// Throws CXIFaceException when a node gives no enumerator.
+/// Throws CXIFaceException when a node gives no enumerator, CXMemException when dst gives no node for a
+/// child, and what the trees throw; what was copied until then is kept.
 QZR_API void Param_CopyTo(IParam* src, IParam* dst);
 
 /// Writes the names of the tree's values and children to the debugger: " %s \n" for a value, "--- %s ---\n"

@@ -180,7 +180,7 @@ void CMemParam::SetValue(const char* name, const tagQZVARIANT* value) {
         }
         const char* const stop = last_separator(part.begin);
         made = node->open_path(part.begin, stop, true);
-        if (!made) return;
+        if (!made) throw CXMemException();
         node = made.Get();
         part = first_part(stop + 1);
     }

@@ -42,8 +42,8 @@ bool is_view(const CopiedLevel& level, const char* name, const CQZRef<IParam>& c
 
 CQZRef<IParam> open_or_create(IParam& target, const char* name, MadeNodes& made) {
     if (IParam* const found = target.OpenSubParam(name, 0)) return CQZRef<IParam>::Adopt(found);
-    CQZRef<IParam> created = CQZRef<IParam>::Adopt(target.CreateSubParam(name));
-    if (created) made.add(created.Get());
+    CQZRef<IParam> created = create_child(target, name);
+    made.add(created.Get());
     return created;
 }
 
@@ -68,7 +68,7 @@ void copy(CQZRef<IParam> src, CQZRef<IParam> dst) {
         if (!child || made.contains(child.Get())) continue;
         if (levels.size() > kMostLevelsOfViews && is_view(level, name, child)) continue;
         CQZRef<IParam> target = open_or_create(*level.target, name, made);
-        if (target) levels.emplace_back(std::move(child), std::move(target));
+        levels.emplace_back(std::move(child), std::move(target));
     }
 }
 

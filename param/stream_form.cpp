@@ -59,8 +59,7 @@ public:
         nodes.push_back(CQZRef<IParam>::Share(&root));
         while (!nodes.empty()) {
             if (read_name()) {
-                CQZRef<IParam> child = CQZRef<IParam>::Adopt(nodes.back()->CreateSubParam(name_));
-                if (!child) throw CXMemException();
+                CQZRef<IParam> child = create_child(*nodes.back(), name_);
                 empty_node(*child); // not every tree empties a child that exists
                 nodes.push_back(std::move(child));
             } else {

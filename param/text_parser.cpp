@@ -131,15 +131,16 @@ private:
     }
 
     // Empty components do not count, so the "\" in front may be missing and "[\]" is the root. A child that
-    // the tree refuses leaves no current node.
+    // the tree refuses ends the reading: its values would be lost.
     void open_section(std::string_view path) {
         node_ = root_;
-        while (node_ && !path.empty()) {
+        while (!path.empty()) {
             const std::string_view name = up_to(find_in(path, '\\', leads_), path);
             path.remove_prefix(name.size() < path.size() ? name.size() + 1 : name.size());
             if (name.empty()) continue;
             scratch_.assign(name);
             node_ = CQZRef<IParam>::Adopt(node_->OpenSubParam(scratch_.c_str(), 1));
+            if (!node_) throw CXMemException();
         }
     }
 

@@ -17,6 +17,12 @@ NameEnum enum_values(IParam& node) { return require(node.EnumValues()); }
 
 NameEnum enum_children(IParam& node) { return require(node.EnumSubParams()); }
 
+CQZRef<IParam> create_child(IParam& node, const char* name) {
+    CQZRef<IParam> child = CQZRef<IParam>::Adopt(node.CreateSubParam(name));
+    if (!child) throw CXMemException();
+    return child;
+}
+
 const char* next_name(const NameEnum& names) {
     const char* name = nullptr;
     if (names->Next(1, &name, nullptr) == 0) return nullptr;

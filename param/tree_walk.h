@@ -28,6 +28,10 @@ using NameEnum = CQZRef<CTEnum<const char*>>;
 NameEnum enum_values(IParam& node);
 NameEnum enum_children(IParam& node);
 
+// Creates a child. Throws CXMemException when the node gives none: going on without it would lose what
+// belongs below it, and nobody would know.
+CQZRef<IParam> create_child(IParam& node, const char* name);
+
 // The next name, or null at the end. A null that an implementation hands out as a name arrives as "".
 const char* next_name(const NameEnum& names);
 

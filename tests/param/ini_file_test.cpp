@@ -62,8 +62,9 @@ TEST_F(IniFile, ReadsWhatALiveTreeWrote) {
 
 TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
     const std::string block = "from_memory=i7";
-    void* const low =
-        VirtualAlloc(reinterpret_cast<void*>(0x20000000), 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    void* low = nullptr; // an address of few digits
+    for (std::uintptr_t at = 0x1000'0000; low == nullptr && at < 0x7000'0000; at += 0x0100'0000)
+        low = VirtualAlloc(reinterpret_cast<void*>(at), 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
     ASSERT_NE(low, nullptr);
     std::memcpy(low, block.data(), block.size());
     const std::string memory = "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(low)) + ",";

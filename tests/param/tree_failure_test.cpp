@@ -3,6 +3,7 @@
 #include "foreign_param.h"
 #include "forms.h"
 
+#include "support/import_mock.h"
 #include "support/param_outline.h"
 
 #include "qzexception.h"
@@ -10,6 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <utility>
+
+#include <windows.h>
 
 namespace {
 
@@ -100,18 +104,65 @@ TEST(TreeFailure, EnumeratorsAreNeeded) {
     }
 }
 
-TEST(TreeFailure, AChildThatTheTreeRefusesIsLeftOut) {
+// Going on without the child would lose what belongs below it.
+TEST(TreeFailure, AChildThatTheTreeRefusesEndsTheOperation) {
     const std::vector<Step> steps = {{"set", "v"}, {"create", "a"}, {"set", "a\\w"}};
     ForeignTree copied, parsed, loaded;
     copied.creates = parsed.creates = loaded.creates = false;
-    Param_CopyTo(memory_tree(steps).Get(), copied.root().Get());
-    EXPECT_EQ(outline_of(*copied.root()), "v=1");
+    EXPECT_THROW(Param_CopyTo(memory_tree(steps).Get(), copied.root().Get()), CXMemException);
     CXString text("[\\]|a=i1|[\\s\\t]|b=i2|[\\]|c=i3");
-    EXPECT_EQ(Param_String2Param(text, parsed.root().Get()), 1);
-    EXPECT_EQ(outline_of(*parsed.root()), "a=1 c=3");
-    const Stream stream = stream_of(bytes_of(*memory_tree(steps))); // whose values come last
+    EXPECT_THROW(Param_String2Param(text, parsed.root().Get()), CXMemException);
+    EXPECT_EQ(outline_of(*parsed.root()), "a=1"); // what was read until then
+    const Stream stream = stream_of(bytes_of(*memory_tree(steps)));
     EXPECT_THROW(LoadParamFromXStream(stream.Get(), loaded.root().Get()), CXMemException);
     EXPECT_EQ(copied.held + parsed.held + loaded.held, 0);
+}
+
+int requests_left = 0; // until the system has no memory any more
+
+void* WINAPI allocate_while_there_is(HANDLE heap, DWORD flags, SIZE_T size) {
+    return requests_left-- > 0 ? HeapAlloc(heap, flags, size) : nullptr;
+}
+
+// Wherever memory ends, either the whole tree has arrived or the caller is told that it has not.
+TEST(TreeFailure, NothingIsLostSilentlyWhereverMemoryEnds) {
+    std::vector<Step> steps;
+    for (int i = 0; i < 400; ++i)
+        steps.push_back({"set", "n" + std::to_string(i) + "\\deeper\\v" + std::to_string(i)});
+    const Tree tree = memory_tree(steps);
+    CXString text;
+    ASSERT_EQ(Param_Param2String(tree.Get(), text), 1);
+    const Stream stream = stream_of(bytes_of(*tree));
+
+    const std::pair<const char*, std::function<int(IParam&)>> operations[] = {
+        {"copy", [&](IParam& into) { return Param_CopyTo(tree.Get(), &into), 1; }},
+        {"text", [&](IParam& into) { return Param_String2Param(text, &into); }},
+        {"stream",
+         [&](IParam& into) { return stream->Seek(0, 0), LoadParamFromXStream(stream.Get(), &into); }},
+        {"set", [&](IParam& into) { return run_steps(into, steps), 1; }},
+    };
+    std::vector<Tree> kept; // so that their memory serves none of the later ones
+    for (const auto& [name, run] : operations) {
+        int told = 0;
+        for (int requests = 0;; ++requests) {
+            SCOPED_TRACE(name + std::string(" with ") + std::to_string(requests));
+            const Tree into = kept.emplace_back(memory_tree());
+            int result = 0;
+            {
+                const ImportMock mock("qzrcore.dll", "HeapAlloc",
+                                      reinterpret_cast<void*>(&allocate_while_there_is));
+                requests_left = requests;
+                try {
+                    result = run(*into);
+                } catch (const CXMemException&) {
+                }
+            }
+            told += result == 0;
+            ASSERT_EQ(Param_Cmp(tree.Get(), into.Get()), result);
+            if (requests_left >= 0) break;
+        }
+        EXPECT_GE(told, 2) << name;
+    }
 }
 
 } // namespace
