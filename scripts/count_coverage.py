@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Sums up a coverage build: count_coverage.py BUILD_DIR [GCOV]
 
-Prints a table of the library's files, which is kept in BUILD_DIR/coverage.txt, and writes what never ran to
-BUILD_DIR/missed.txt. A line or branch that several instantiations and translation units have counts once and ran when
-it ran in any of them.
+Prints a table of the library's files, then one of its folders that ends with the total. Both are kept in
+BUILD_DIR/coverage.txt; what never ran is written to BUILD_DIR/missed.txt. A line or branch that several instantiations
+and translation units have counts once and ran when it ran in any of them.
 
 Branches are the edges of conditions. The two edges of a call, on past it and out of it with an exception, are left out
 whether they ran or not: nearly every call has them, and no condition of the source decides between them.
@@ -103,16 +103,18 @@ def main(build, gcov=GCOV):
     if not any(count for file in files.values() for count in file.lines.values()):
         print("no line of the library was counted")
         return 1
-    table = [f"{'lines that ran':>23}   {'branches taken':>23}"]
+    heading = f"{'lines that ran':>23}   {'branches taken':>23}"
+    table = [heading]
     missed = []
-    total = [0, 0, 0, 0]
+    sums = {folder: [0, 0, 0, 0] for folder in FOLDERS}
     for path, file in sorted(files.items()):
         if not file.lines:
             continue  # declarations alone
         branches = file.branches()
         edges = [count for counts in branches.values() for count in counts]
         figures = [sum(map(bool, file.lines.values())), len(file.lines), sum(map(bool, edges)), len(edges)]
-        total = [a + b for a, b in zip(total, figures)]
+        folder = path.split("/")[0]
+        sums[folder] = [a + b for a, b in zip(sums[folder], figures)]
         table.append(row(*figures, path))
 
         if unrun_ranges(file.lines):
@@ -121,7 +123,9 @@ def main(build, gcov=GCOV):
             if file.lines[number] and not all(counts):
                 places = ", ".join(str(place) for place, count in enumerate(counts, 1) if not count)
                 missed.append(f"{path}:{number}: branch {places} of {len(counts)}")
-    table.append(row(*total, "the library"))
+    table += ["", heading]
+    table += [row(*figures, folder) for folder, figures in sums.items()]
+    table.append(row(*map(sum, zip(*sums.values())), "the library"))
     table.append("Edges that exceptions take, and their opposites, are not among the branches.")
     for name, rows in (("coverage.txt", table), ("missed.txt", missed)):
         with open(os.path.join(build, name), "w", encoding="utf-8") as out:
