@@ -13,7 +13,7 @@ constexpr std::string_view kLanguageField = "X-Wld-Language: ";
 
 // --- writing
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
     std::string out = "\"";
     for (const char c : text) {
         switch (c) {
@@ -38,7 +38,7 @@ std::string quoted(std::string_view text) {
 }
 
 std::string statement(const char* keyword, std::string_view text) {
-    return keyword + (" " + quoted(text)) + "\n";
+    return keyword + (" " + in_quotes(text)) + "\n";
 }
 
 // --- reading
@@ -191,7 +191,7 @@ std::string po_text(const PoFile& file) {
     std::string text = "msgid \"\"\nmsgstr \"\"\n\"Content-Type: text/plain; charset=UTF-8\\n\"\n"
                        "\"Content-Transfer-Encoding: 8bit\\n\"\n";
     if (file.language)
-        text += quoted(std::string(kLanguageField) + std::to_string(*file.language) + "\n") + "\n";
+        text += in_quotes(std::string(kLanguageField) + std::to_string(*file.language) + "\n") + "\n";
     for (const PoEntry& entry : file.entries) {
         text += "\n";
         if (entry.context) text += statement("msgctxt", *entry.context);
