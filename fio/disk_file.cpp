@@ -51,6 +51,7 @@ DiskFile::DiskFile(const wchar_t* path, int mode)
     if (!handle_) throw_file_error(operation_, path_);
     // A console or a pipe has no size, and reading it would wait for somebody to type.
     if (GetFileType(handle()) != FILE_TYPE_DISK) throw_file_error(operation_, path_, ERROR_INVALID_HANDLE);
+    if (has(mode, QZFILE_WRITE) && !has(mode, QZFILE_KEEP)) return; // it was emptied
     LARGE_INTEGER size = {};
     if (GetFileSizeEx(handle(), &size) == FALSE) throw_file_error(operation_, path_);
     size_ = disk_end_ = static_cast<std::uint64_t>(size.QuadPart);

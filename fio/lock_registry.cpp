@@ -2,6 +2,7 @@
 
 #include "qzexception.h"
 #include "qzfile.h"
+#include "string/ascii_case.h"
 
 #include <cwchar>
 #include <mutex>
@@ -17,9 +18,8 @@ public:
         if (path == nullptr) return;
         const std::size_t length = wcsnlen(path, kPathUnits);
         if (length == kPathUnits) return;
-        const int units = static_cast<int>(length);
-        valid_ = length == 0 || LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, path, units, text_,
-                                              units, nullptr, nullptr, 0) == units;
+        std::wmemcpy(text_, path, length);
+        valid_ = ascii_upper(text_, text_ + length) == text_ + length || upper_by_system(path, length);
         length_ = length;
     }
 
@@ -27,6 +27,13 @@ public:
     std::wstring_view text() const noexcept { return {text_, length_}; }
 
 private:
+    // Of which most paths have no need.
+    bool upper_by_system(const wchar_t* path, std::size_t length) noexcept {
+        const int units = static_cast<int>(length);
+        return LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, path, units, text_, units, nullptr,
+                             nullptr, 0) == units;
+    }
+
     wchar_t text_[kPathUnits]; // filled up to length_
     std::size_t length_ = 0;
     bool valid_ = false;
