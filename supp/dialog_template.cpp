@@ -1,6 +1,7 @@
 #include "supp/dialog_template.h"
 
 #include "string/scan.h"
+#include "supp/wide_block.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -30,31 +31,41 @@ constexpr Unit kOrdinalMark = 0xFFFF;       // the next unit is an identifier, n
 constexpr Unit kMessageBoxFont = 0x7FFF;    // a point size that stands for the font of message boxes
 constexpr std::uint32_t kStyleFont = 0x40;  // DS_SETFONT
 constexpr std::size_t kLongestText = 65535; // units
-constexpr std::size_t kUsualCopy = 8192;
 
 // What the size in front of an item's creation data counts. The plain layout counts the two bytes of the size
 // too, but tools wrote it both ways.
 enum class CreationSize { with_itself, alone };
 
+// Most texts end within a block or two.
+std::size_t length_up_to(const wchar_t* text, std::size_t limit) noexcept {
+    std::size_t length = 0;
+    while (limit - length >= kBlockUnits) {
+        const unsigned more = length_in_block(text + length);
+        length += more;
+        if (more < kBlockUnits) return length;
+    }
+    return length + text_length(text + length, limit - length);
+}
+
 // Copies from left to right. After a failure, which is kept, reads give zeroes.
+template <const Layout& kLayout>
 class Rewriter {
 public:
-    Rewriter(const void* data, std::size_t size, const DialogChanges& changes, Vector<std::byte>& copy)
+    Rewriter(const void* data, std::size_t size, const DialogChanges& changes, DialogCopy& copy)
         : next_(static_cast<const std::byte*>(data)), end_(next_ + size), changes_(changes), copy_(copy) {
         copy_.clear();
-        copy_.reserve(std::min(size + size / 2, kUsualCopy)); // the size is only known to be no larger
     }
 
-    bool run(const Layout& layout, CreationSize creation_size) {
-        const std::byte* const header = copy_bytes(layout.header);
+    bool run(CreationSize creation_size) {
+        const std::byte* const header = copy_bytes(kLayout.header);
         if (header == nullptr) return false;
-        if (const RECT* const place = place_of(0)) put_extent(layout.extent, *place);
+        if (const RECT* const place = place_of(0)) put_extent(kLayout.extent, *place);
         copy_name(); // of the menu
         copy_name(); // of the class
         copy_text();
-        if ((read<std::uint32_t>(header + layout.style) & kStyleFont) != 0) copy_font(layout);
-        for (unsigned left = read<Unit>(header + layout.count); left != 0 && sound_; --left)
-            copy_item(layout, creation_size);
+        if ((read<std::uint32_t>(header + kLayout.style) & kStyleFont) != 0) copy_font();
+        for (unsigned left = read<Unit>(header + kLayout.count); left != 0 && sound_; --left)
+            copy_item(creation_size);
         return sound_;
     }
 
@@ -68,18 +79,13 @@ private:
 
     std::size_t left() const noexcept { return static_cast<std::size_t>(end_ - next_); }
 
-    void put(const void* bytes, std::size_t n) {
-        const auto* const from = static_cast<const std::byte*>(bytes);
-        copy_.insert(copy_.end(), from, from + n);
-    }
-
     // @return the bytes in the original; null when there are not as many.
     const std::byte* copy_bytes(std::size_t n) {
         if (!sound_ || n > left()) {
             sound_ = false;
             return nullptr;
         }
-        put(next_, n);
+        copy_.append(next_, n);
         next_ += n;
         return next_ - n;
     }
@@ -91,37 +97,37 @@ private:
 
     Unit peek_unit() const noexcept { return sound_ && left() >= sizeof(Unit) ? read<Unit>(next_) : Unit{0}; }
 
-    // Reads a text and its zero into text_; it may stand at an odd address.
-    void read_text() {
+    // @return the text that comes next, and steps over it; null when it does not end.
+    const wchar_t* read_text() {
         const std::size_t most = sound_ ? std::min(left() / sizeof(Unit), kLongestText + 1) : 0;
-        const std::size_t length = text_length(reinterpret_cast<const wchar_t*>(next_), most);
+        const auto* const text = reinterpret_cast<const wchar_t*>(next_);
+        const std::size_t length = length_up_to(text, most);
         sound_ = length < most;
-        if (!sound_) return;
-        text_.resize(length + 1);
-        std::memcpy(text_.data(), next_, text_.size() * sizeof(Unit));
-        next_ += text_.size() * sizeof(Unit);
+        if (!sound_) return nullptr;
+        const std::size_t size = (length + 1) * sizeof(Unit);
+        next_ += size;
+        text_size_ = size;
+        if (reinterpret_cast<std::uintptr_t>(text) % alignof(wchar_t) == 0) return text;
+        straight_text_.resize(length + 1);
+        std::memcpy(straight_text_.data(), text, size);
+        return straight_text_.data();
     }
 
-    void put_text(const wchar_t* text) { put(text, (text_length(text) + 1) * sizeof *text); }
-
-    void put_read_text() { put(text_.data(), text_.size() * sizeof(wchar_t)); }
-
     void copy_text() {
-        read_text();
-        if (!sound_) return;
-        const wchar_t* translated = text_.front() != 0 ? changes_.text(text_.data()) : nullptr;
+        const wchar_t* const text = read_text();
+        if (text == nullptr) return;
+        const wchar_t* const translated = *text != 0 ? changes_.text(text) : nullptr;
         // A translation that began like an identifier would be taken for one.
         const bool usable = translated != nullptr && *translated != 0 && *translated != kOrdinalMark;
         if (usable)
-            put_text(translated);
+            copy_.append_text(translated);
         else
-            put_read_text();
+            copy_.append(text, text_size_);
     }
 
     void copy_name() {
         if (copy_ordinal()) return;
-        read_text();
-        if (sound_) put_read_text();
+        if (const wchar_t* const name = read_text()) copy_.append(name, text_size_);
     }
 
     bool copy_ordinal() {
@@ -130,23 +136,23 @@ private:
         return true;
     }
 
-    void copy_font(const Layout& layout) {
+    void copy_font() {
         if (copy_unit() == kMessageBoxFont) return;
-        copy_bytes(layout.font);
+        copy_bytes(kLayout.font);
         copy_name();
     }
 
     // Fits both: the identifier of the plain layout has 16 bits.
-    static unsigned item_id(const Layout& layout, const std::byte* item) noexcept {
-        return layout.item - layout.id == sizeof(Unit) ? read<Unit>(item + layout.id)
-                                                       : read<std::uint32_t>(item + layout.id);
+    static unsigned item_id(const std::byte* item) noexcept {
+        return kLayout.item - kLayout.id == sizeof(Unit) ? read<Unit>(item + kLayout.id)
+                                                         : read<std::uint32_t>(item + kLayout.id);
     }
 
     const RECT* place_of(unsigned item) const { return changes_.place ? changes_.place(item) : nullptr; }
 
     void put_unit(std::size_t at, LONG value) noexcept {
         const auto unit = static_cast<Unit>(value);
-        std::memcpy(&copy_[at], &unit, sizeof unit);
+        std::memcpy(copy_.data() + at, &unit, sizeof unit);
     }
 
     void put_extent(std::size_t at, const RECT& place) noexcept {
@@ -168,17 +174,17 @@ private:
             return;
         }
         next_ += gap;
-        copy_.resize((copy_.size() + kBoundary - 1) / kBoundary * kBoundary);
+        copy_.append_zeroes((0 - copy_.size()) % kBoundary);
     }
 
-    void copy_item(const Layout& layout, CreationSize creation_size) {
+    void copy_item(CreationSize creation_size) {
         align();
         const std::size_t start = copy_.size();
-        const std::byte* const item = copy_bytes(layout.item);
+        const std::byte* const item = copy_bytes(kLayout.item);
         if (item == nullptr) return;
-        const unsigned id = item_id(layout, item);
+        const unsigned id = item_id(item);
         if (const RECT* const place = id != 0 ? place_of(id) : nullptr)
-            put_place(start + layout.place, *place);
+            put_place(start + kLayout.place, *place);
         sound_ = sound_ && peek_unit() != 0; // every control has a class
         copy_name();
         if (!copy_ordinal()) copy_text();
@@ -197,8 +203,9 @@ private:
     const std::byte* next_;
     const std::byte* end_;
     const DialogChanges& changes_;
-    Vector<std::byte>& copy_;
-    Vector<wchar_t> text_;
+    DialogCopy& copy_;
+    std::size_t text_size_ = 0;     // bytes of the text read last, with its zero
+    Vector<wchar_t> straight_text_; // a copy of that text, when it stands at an odd address
     bool sound_ = true;
 };
 
@@ -210,12 +217,11 @@ bool is_extended(const void* data, std::size_t size) noexcept {
 } // namespace
 
 bool translate_dialog_template(const void* data, std::size_t size, const DialogChanges& changes,
-                               Vector<std::byte>& copy) {
-    const auto run = [&](const Layout& layout, CreationSize creation_size) {
-        return Rewriter(data, size, changes, copy).run(layout, creation_size);
-    };
-    if (is_extended(data, size)) return run(kExtended, CreationSize::alone);
-    return run(kPlain, CreationSize::with_itself) || run(kPlain, CreationSize::alone);
+                               DialogCopy& copy) {
+    if (is_extended(data, size))
+        return Rewriter<kExtended>(data, size, changes, copy).run(CreationSize::alone);
+    return Rewriter<kPlain>(data, size, changes, copy).run(CreationSize::with_itself) ||
+           Rewriter<kPlain>(data, size, changes, copy).run(CreationSize::alone);
 }
 
 } // namespace qzr

@@ -1,8 +1,8 @@
 // Dialog templates with other texts.
 #pragma once
 
-#include "core/allocator.h"
 #include "core/windows_lean.h"
+#include "supp/dialog_copy.h"
 
 #include <functional>
 
@@ -10,7 +10,7 @@ namespace qzr {
 
 struct DialogChanges {
     // Gives the text to show instead; null or an empty text keeps what stands there. Empty texts are not
-    // asked for.
+    // asked for. The text lies in the template, unless that is at an odd address.
     std::function<const wchar_t*(const wchar_t* text)> text;
     // Gives the place of a control by its identifier, or by 0 the extent of the dialog itself, in dialog
     // units; null keeps it. May be empty.
@@ -25,7 +25,7 @@ struct DialogChanges {
 // `copy` gets the result. @return false when the template is damaged. Throws CXMemException and what the
 // changes throw.
 bool translate_dialog_template(const void* data, std::size_t size, const DialogChanges& changes,
-                               Vector<std::byte>& copy);
+                               DialogCopy& copy);
 
 // For callers that are given a template without a length: no template is longer.
 constexpr std::size_t kLongestDialogTemplate = std::size_t{16} << 20;

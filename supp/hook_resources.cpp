@@ -1,9 +1,9 @@
 // Finding, loading and locking resources: dialog templates are served translated.
 #include "supp/hook_state.h"
-#include "supp/resource_context.h"
+#include "supp/translate.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <cwchar>
 
 namespace qzr {
@@ -22,17 +22,11 @@ bool is_dialog_type(const char* type) {
     return type[0] == '#' && std::strtoul(type + 1, nullptr, 10) == kDialogType;
 }
 
-DialogSource source_of(HMODULE module, const wchar_t* name) { return {module, name}; }
-DialogSource source_of(HMODULE module, const char* name) {
-    CXStringW text;
-    return {module, wide_resource_name(name, text)};
-}
-
 template <class Unit>
 HRSRC noted(HRSRC resource, HMODULE module, const Unit* type, const Unit* name) noexcept {
     if (resource == nullptr || !translation_enabled()) return resource;
     try {
-        if (is_dialog_type(type)) hooks().templates.note(resource, source_of(module, name));
+        if (is_dialog_type(type)) hooks().templates.note(resource, DialogSource(module, name));
     } catch (...) {
         // Then it is served as it is.
     }
@@ -43,14 +37,14 @@ HRSRC noted(HRSRC resource, HMODULE module, const Unit* type, const Unit* name) 
 DialogBytes served(HMODULE module, HRSRC resource) noexcept {
     if (resource == nullptr || !translation_enabled()) return {};
     try {
-        const auto source = hooks().templates.source(resource);
-        if (!source) return {};
-        const DialogBytes original = dialog_bytes(module, resource);
-        Vector<std::byte> copy;
-        if (original.data == nullptr || !translate_dialog(original, &*source, copy)) return {};
-        if (copy.size() <= original.size && std::memcmp(copy.data(), original.data, copy.size()) == 0)
-            return {};
-        return hooks().templates.keep(resource, std::move(copy), original.size);
+        const ServedTemplates::Note note = hooks().templates.find(resource);
+        if (note.source == nullptr) return {};
+        const DialogBytes original = dialog_bytes(module, resource, note.original);
+        DialogCopy copy;
+        if (original.data == nullptr || !translate_dialog(original, note.source.get(), copy)) return {};
+        const DialogBytes same_length = {original.data, std::min(original.size, copy.size())};
+        if (same_bytes({copy.data(), copy.size()}, same_length)) return {};
+        return hooks().templates.keep(resource, original, copy);
     } catch (...) {
         return {};
     }

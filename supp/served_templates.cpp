@@ -1,45 +1,38 @@
 #include "supp/served_templates.h"
 
-#include <algorithm>
-#include <cstring>
 #include <mutex>
 
 namespace qzr {
 
-namespace {
-
-// The library compares vectors of bytes one by one.
-bool same_bytes(const Vector<std::byte>& a, const Vector<std::byte>& b) noexcept {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
-}
-
-} // namespace
-
 // A resource that is found again may be another one: its module went, and a new one came to its place.
-void ServedTemplates::note(HRSRC resource, const DialogSource& source) {
+void ServedTemplates::note(HRSRC resource, DialogSource&& source) {
+    auto shared = std::allocate_shared<DialogSource>(HeapAllocator<DialogSource>(), std::move(source));
     const std::lock_guard lock(lock_);
-    notes_.try_emplace(resource, Note{source, nullptr}).first->second.source = source;
+    Note& note = notes_[resource];
+    note.source = std::move(shared);
+    note.original = {};
 }
 
-std::optional<DialogSource> ServedTemplates::source(HRSRC resource) const {
+ServedTemplates::Note ServedTemplates::find(HRSRC resource) const noexcept {
     const std::lock_guard lock(lock_);
     const auto found = notes_.find(resource);
-    if (found == notes_.end()) return std::nullopt;
-    return found->second.source;
+    return found != notes_.end() ? found->second : Note();
 }
 
-DialogBytes ServedTemplates::keep(HRSRC resource, Vector<std::byte>&& copy, std::size_t original_size) {
-    copy.resize(std::max(copy.size(), original_size));
+DialogBytes ServedTemplates::keep(HRSRC resource, const DialogBytes& original, DialogCopy& copy) {
+    if (copy.size() < original.size) copy.append_zeroes(original.size - copy.size());
     const std::lock_guard lock(lock_);
-    const auto note = notes_.find(resource);
-    if (note == notes_.end()) return {};
-    const std::byte*& newest = note->second.newest;
-    if (newest == nullptr || !same_bytes(copies_.at(newest), copy)) {
-        const std::byte* const data = copy.data();
-        copies_.emplace(data, std::move(copy));
-        newest = data;
+    const auto found = notes_.find(resource);
+    if (found == notes_.end()) return {};
+    Note& note = found->second;
+    note.original = original;
+    if (!same_bytes(note.newest, {copy.data(), copy.size()})) {
+        Vector<std::byte> kept(copy.data(), copy.data() + copy.size());
+        const DialogBytes bytes = {kept.data(), kept.size()};
+        copies_.emplace(bytes.data, std::move(kept));
+        note.newest = bytes;
     }
-    return {newest, copies_.at(newest).size()};
+    return note.newest;
 }
 
 bool ServedTemplates::holds(const void* data) const noexcept {

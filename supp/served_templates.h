@@ -5,7 +5,7 @@
 #include "supp/dialog_source.h"
 
 #include <map>
-#include <optional>
+#include <memory>
 
 namespace qzr {
 
@@ -17,21 +17,25 @@ public:
     ServedTemplates(const ServedTemplates&) = delete;
     ServedTemplates& operator=(const ServedTemplates&) = delete;
 
+    // What is known of a resource: where it comes from, and the bytes of it that were found readable when a
+    // copy was kept.
+    struct Note {
+        std::shared_ptr<const DialogSource> source;
+        DialogBytes original;
+        DialogBytes newest; // copy
+    };
+
     // Remembers that a resource is a dialog template. Throws CXMemException.
-    void note(HRSRC resource, const DialogSource& source);
-    std::optional<DialogSource> source(HRSRC resource) const; // none for other resources. Throws as above.
+    void note(HRSRC resource, DialogSource&& source);
+    Note find(HRSRC resource) const noexcept; // without a source for other resources
 
     // Keeps a copy, or finds the same one again that was kept last for this resource. It is as large as the
     // original at least, which somebody may have measured. Throws CXMemException.
-    DialogBytes keep(HRSRC resource, Vector<std::byte>&& copy, std::size_t original_size);
+    DialogBytes keep(HRSRC resource, const DialogBytes& original, DialogCopy& copy);
 
     bool holds(const void* data) const noexcept;
 
 private:
-    struct Note {
-        DialogSource source;
-        const std::byte* newest; // copy
-    };
     template <class Key, class Value>
     using Map = std::map<Key, Value, std::less<>, HeapAllocator<std::pair<const Key, Value>>>;
 

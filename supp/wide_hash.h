@@ -2,11 +2,10 @@
 // Dictionaries match texts by it alone, so its values decide which texts are the same and must never change.
 #pragma once
 
-#include <bit>
+#include "supp/wide_block.h"
+
 #include <cstdint>
 #include <cstring>
-
-#include <emmintrin.h>
 
 namespace qzr {
 
@@ -23,8 +22,6 @@ struct WideHash {
 
 namespace detail {
 
-inline constexpr unsigned kHashBlock = 16; // units that are hashed at once
-
 constexpr std::uint32_t power_of_257(unsigned n) {
     std::uint32_t power = 1;
     for (; n != 0; --n)
@@ -35,19 +32,19 @@ constexpr std::uint32_t power_of_257(unsigned n) {
 // The powers from the 15th down to 1, each as two signed halves, then zeroes: those from place 16 - n on
 // weigh the first n units of a block and leave the rest out.
 struct HashWeights {
-    std::int16_t low[2 * kHashBlock] = {};
-    std::int16_t high[2 * kHashBlock] = {};
+    std::int16_t low[2 * kBlockUnits] = {};
+    std::int16_t high[2 * kBlockUnits] = {};
     // For n units:
-    std::uint32_t powers[kHashBlock + 1] = {};
-    std::uint32_t of_0x8000[kHashBlock + 1] = {}; // the hash of units that all have this value
+    std::uint32_t powers[kBlockUnits + 1] = {};
+    std::uint32_t of_0x8000[kBlockUnits + 1] = {}; // the hash of units that all have this value
 
     constexpr HashWeights() {
-        for (unsigned n = 0; n <= kHashBlock; ++n) {
+        for (unsigned n = 0; n <= kBlockUnits; ++n) {
             powers[n] = power_of_257(n);
             if (n != 0) of_0x8000[n] = of_0x8000[n - 1] * 257 + 0x8000;
         }
-        for (unsigned i = 0; i < kHashBlock; ++i) {
-            const std::uint32_t weight = powers[kHashBlock - 1 - i];
+        for (unsigned i = 0; i < kBlockUnits; ++i) {
+            const std::uint32_t weight = powers[kBlockUnits - 1 - i];
             low[i] = static_cast<std::int16_t>(weight);
             high[i] = static_cast<std::int16_t>((weight - static_cast<std::uint32_t>(low[i])) >> 16);
         }
@@ -55,43 +52,24 @@ struct HashWeights {
 };
 inline constexpr HashWeights kHashWeights;
 
-inline __m128i load_block(const void* units) noexcept {
-    return _mm_loadu_si128(static_cast<const __m128i*>(units));
-}
-
-// Units before the zero, 16 at most.
-inline unsigned length_in_block(const wchar_t* block) noexcept {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i zeroes = _mm_packs_epi16(_mm_cmpeq_epi16(load_block(block), zero),
-                                           _mm_cmpeq_epi16(load_block(block + 8), zero));
-    return static_cast<unsigned>(
-        std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(zeroes)) | 1U << kHashBlock));
-}
-
 // The first n units of a block. The processor multiplies signed numbers and adds the products in pairs, so
 // each unit is taken 0x8000 too small, and the sum put right at the end.
 inline WideHash hash_of_block(const wchar_t* block, unsigned n) noexcept {
-    const std::int16_t* const low_weights = kHashWeights.low + kHashBlock - n;
-    const std::int16_t* const high_weights = kHashWeights.high + kHashBlock - n;
+    const std::int16_t* const low_weights = kHashWeights.low + kBlockUnits - n;
+    const std::int16_t* const high_weights = kHashWeights.high + kBlockUnits - n;
     __m128i low = _mm_setzero_si128();
     __m128i high = _mm_setzero_si128();
 #pragma GCC unroll 2
-    for (unsigned i = 0; i < kHashBlock; i += 8) {
-        const __m128i units = _mm_xor_si128(load_block(block + i), _mm_set1_epi16(-0x8000));
-        low = _mm_add_epi32(low, _mm_madd_epi16(units, load_block(low_weights + i)));
-        high = _mm_add_epi32(high, _mm_madd_epi16(units, load_block(high_weights + i)));
+    for (unsigned i = 0; i < kBlockUnits; i += 8) {
+        const __m128i units = _mm_xor_si128(load_half_block(block + i), _mm_set1_epi16(-0x8000));
+        low = _mm_add_epi32(low, _mm_madd_epi16(units, load_half_block(low_weights + i)));
+        high = _mm_add_epi32(high, _mm_madd_epi16(units, load_half_block(high_weights + i)));
     }
     __m128i sums = _mm_add_epi32(low, _mm_slli_epi32(high, 16));
     sums = _mm_add_epi32(sums, _mm_shuffle_epi32(sums, _MM_SHUFFLE(1, 0, 3, 2)));
     sums = _mm_add_epi32(sums, _mm_shuffle_epi32(sums, _MM_SHUFFLE(2, 3, 0, 1)));
     return {static_cast<std::uint32_t>(_mm_cvtsi128_si32(sums)) + kHashWeights.of_0x8000[n],
             kHashWeights.powers[n]};
-}
-
-// What lies behind a text may be read, but not in the next page.
-inline bool may_read_block(const wchar_t* text) noexcept {
-    constexpr std::uintptr_t kPage = 4096;
-    return reinterpret_cast<std::uintptr_t>(text) % kPage <= kPage - kHashBlock * sizeof(wchar_t);
 }
 
 // Of texts that end near the end of a page. Wide texts may stand at odd addresses.
@@ -109,10 +87,10 @@ inline bool may_read_block(const wchar_t* text) noexcept {
 inline WideHash wide_hash(const wchar_t* text) noexcept {
     using namespace detail;
     WideHash done;
-    for (; may_read_block(text); text += kHashBlock) {
+    for (; may_read_block(text); text += kBlockUnits) {
         const unsigned n = length_in_block(text);
         done = done + hash_of_block(text, n);
-        if (n < kHashBlock) return done;
+        if (n < kBlockUnits) return done;
     }
     return done + hash_by_units(text);
 }

@@ -157,7 +157,7 @@ TEST(DialogTemplate, TextsAreReplacedAndTheRestStays) {
         std::string in = row.in;
         while (in.size() % 4 != 0)
             in += '\xEE';
-        Vector<std::byte> copy;
+        DialogCopy copy;
         const bool sound =
             translate_dialog_template(fenced.put(in), row.in.size(), DialogChanges{to_french, {}}, copy);
         EXPECT_EQ(sound, !row.out.empty());
@@ -186,7 +186,7 @@ TEST(DialogTemplate, PlacesAreReplaced) {
             kNoNames + wide("") + kExtendedItem.substr(0, 12) + hex("ff ff 02 00 05 00 08 00 65 00 00 00") +
             rest};
     for (const int row : {0, 1}) {
-        Vector<std::byte> copy;
+        DialogCopy copy;
         ASSERT_TRUE(translate_dialog_template(in[row].data(), in[row].size(), changes, copy));
         EXPECT_EQ(test::to_hex({reinterpret_cast<const char*>(copy.data()), copy.size()}),
                   test::to_hex(out[row]));
@@ -199,7 +199,7 @@ TEST(DialogTemplate, LongTextsAreDamage) {
         for (std::size_t i = 0; i < (fits ? 65535u : 65536u); ++i)
             text += std::string("x\0", 2);
         const std::string in = plain(kNoFont, "00 00") + kNoNames + text + hex("00 00");
-        Vector<std::byte> copy;
+        DialogCopy copy;
         EXPECT_EQ(translate_dialog_template(in.data(), in.size(), DialogChanges{to_french, {}}, copy), fits);
     }
 }
