@@ -8,19 +8,17 @@ namespace {
 
 TEST(ParamCopyTo, AddsToWhatIsThere) {
     struct Row {
-        std::vector<Step> src, dst;
+        const char *src, *dst;
         const char* expected;
     };
     const Row rows[] = {
-        {{}, {}, ""},
-        {{{"set", "v"}}, {}, "v=1"},
-        {{}, {{"set", "v"}, {"create", "s"}}, "v=1 s{}"},
-        {{{"set", "v"}}, {{"set", "w"}, {"set", "V"}}, "w=1 V=1"},
-        {{{"create", "s"}, {"set", "s\\v"}},
-         {{"create", "S"}, {"set", "S\\w"}, {"create", "t"}},
-         "S{w=2 v=2} t{}"},
-        {{{"create", "a\\b\\c"}, {"create", "d"}, {"set", "a\\b\\v"}}, {}, "a{b{v=3 c{}}} d{}"},
-        {{{"create", "boskui"}, {"drop", "ckygvi"}, {"create", "x"}}, {}, "x{}"}, // listed, does not open
+        {"", "", ""},
+        {"set v", "", "v=1"},
+        {"", "set v; create s", "v=1 s{}"},
+        {"set v", "set w; set V", "w=1 V=1"},
+        {"create s; set s\\v", "create S; set S\\w; create t", "S{w=2 v=2} t{}"},
+        {"create a\\b\\c; create d; set a\\b\\v", "", "a{b{v=3 c{}}} d{}"},
+        {"create boskui; drop ckygvi; create x", "", "x{}"}, // listed, does not open
     };
     for (const Row& row : rows) {
         const CQZRef<IParam> src = memory_tree(row.src), dst = memory_tree(row.dst);
@@ -30,7 +28,7 @@ TEST(ParamCopyTo, AddsToWhatIsThere) {
         EXPECT_EQ(outline_of(*dst), row.expected);
         EXPECT_EQ(outline_of(*src), before);
     }
-    const CQZRef<IParam> tree = memory_tree({{"set", "v"}});
+    const CQZRef<IParam> tree = memory_tree("set v");
     Param_CopyTo(nullptr, tree.Get());
     Param_CopyTo(tree.Get(), nullptr);
     EXPECT_EQ(outline_of(*tree), "v=1");
@@ -38,7 +36,7 @@ TEST(ParamCopyTo, AddsToWhatIsThere) {
 
 // A name that is listed and does not open arrives as an empty value.
 TEST(ParamCopyTo, WritesAnEmptyValueForOneThatDoesNotOpen) {
-    const CQZRef<IParam> src = memory_tree({{"set", "boskui"}, {"delete", "ckygvi"}}), dst = memory_tree();
+    const CQZRef<IParam> src = memory_tree("set boskui; delete ckygvi"), dst = memory_tree();
     Param_CopyTo(src.Get(), dst.Get());
     CQZVariant value(1);
     EXPECT_EQ(dst->GetValue("boskui", &value), 1);
@@ -47,23 +45,19 @@ TEST(ParamCopyTo, WritesAnEmptyValueForOneThatDoesNotOpen) {
 
 TEST(ParamCopyTo, EndsWhenOneTreeLiesWithinTheOther) {
     struct Row {
-        std::vector<Step> tree;
+        const char* tree;
         const char *src, *dst; // nodes of the tree; null is the root
         const char* expected;
     };
     const Row rows[] = {
-        {{{"set", "v"}, {"create", "a"}, {"set", "a\\w"}}, nullptr, nullptr, "v=1 a{w=3}"},
-        {{{"set", "v"}, {"create", "a"}}, nullptr, "a", "v=1 a{v=1 a{}}"},
-        {{{"set", "v"}, {"create", "a"}, {"create", "b"}, {"set", "b\\w"}},
-         nullptr,
+        {"set v; create a; set a\\w", nullptr, nullptr, "v=1 a{w=3}"},
+        {"set v; create a", nullptr, "a", "v=1 a{v=1 a{}}"},
+        {"set v; create a; create b; set b\\w", nullptr,
          "a", // what a then holds is new
          "v=1 a{v=1 a{} b{w=4}} b{w=4}"},
-        {{{"create", "a\\b"}, {"set", "a\\v"}, {"set", "a\\b\\w"}},
-         nullptr,
-         "a\\b",
-         "a{v=2 b{w=3 a{v=2 b{w=3}}}}"},
-        {{{"create", "a\\b"}, {"set", "a\\v"}}, "a", nullptr, "v=2 a{v=2 b{}} b{}"},
-        {{{"create", "a\\a\\y"}, {"set", "a\\a\\v"}}, "a", nullptr, "v=2 a{v=2 a{v=2 y{}} y{}}"},
+        {"create a\\b; set a\\v; set a\\b\\w", nullptr, "a\\b", "a{v=2 b{w=3 a{v=2 b{w=3}}}}"},
+        {"create a\\b; set a\\v", "a", nullptr, "v=2 a{v=2 b{}} b{}"},
+        {"create a\\a\\y; set a\\a\\v", "a", nullptr, "v=2 a{v=2 a{v=2 y{}} y{}}"},
     };
     for (const Row& row : rows) {
         const CQZRef<IParam> root = memory_tree(row.tree);
@@ -79,7 +73,7 @@ TEST(ParamCopyTo, EndsWhenOneTreeLiesWithinTheOther) {
 
 // Views cannot be told from what the copy has made: it stops where no such backend nests.
 TEST(ParamCopyTo, EndsForViewsOfATreeCopiedIntoItself) {
-    ForeignTree tree(std::vector<Step>{{"set", "v"}, {"create", "a"}});
+    ForeignTree tree("set v; create a");
     const CQZRef<IParam> root = tree.root();
     Param_CopyTo(root.Get(), CQZRef<IParam>::Adopt(root->OpenSubParam("a", 0)).Get());
     int levels = 0;
@@ -90,7 +84,7 @@ TEST(ParamCopyTo, EndsForViewsOfATreeCopiedIntoItself) {
 }
 
 TEST(ParamCopyTo, CopiesBetweenBackends) {
-    const std::vector<Step> steps = {{"set", "v"}, {"create", "a\\b"}, {"create", "c"}, {"set", "a\\b\\w"}};
+    const char* const steps = "set v; create a\\b; create c; set a\\b\\w";
     ForeignTree foreign(steps);
     const CQZRef<IParam> back = memory_tree();
     Param_CopyTo(foreign.root().Get(), back.Get());

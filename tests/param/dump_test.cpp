@@ -34,20 +34,15 @@ std::string dump_of(IParam* tree) {
 
 TEST(DumpParam, WritesNamesOfValuesThenChildrenWithTheirs) {
     struct Row {
-        std::vector<Step> steps;
+        const char* steps;
         const char* expected;
     };
     const Row rows[] = {
-        {{}, ""},
-        {{{"set", "v"}, {"create", "s"}}, " v \n--- s ---\n"},
-        {{{"create", "a\\b"},
-          {"set", "a\\v"},
-          {"set", "a\\b\\w"},
-          {"create", "c"},
-          {"set", "x"},
-          {"set", "%s%n"}},
+        {"", ""},
+        {"set v; create s", " v \n--- s ---\n"},
+        {"create a\\b; set a\\v; set a\\b\\w; create c; set x; set %s%n",
          " x \n %s%n \n--- a ---\n v \n--- b ---\n w \n--- c ---\n"},
-        {{{"create", "boskui"}, {"drop", "ckygvi"}}, "--- boskui ---\n"}, // listed, does not open
+        {"create boskui; drop ckygvi", "--- boskui ---\n"}, // listed, does not open
     };
     for (const Row& row : rows) {
         const CQZRef<IParam> tree = memory_tree(row.steps);

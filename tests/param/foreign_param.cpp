@@ -101,9 +101,7 @@ private:
 
 } // namespace
 
-ForeignTree::ForeignTree(const std::vector<Step>& steps) {
-    Param_CopyTo(memory_tree(steps).Get(), root().Get());
-}
+ForeignTree::ForeignTree(const std::string& steps) { Param_CopyTo(memory_tree(steps).Get(), root().Get()); }
 
 CQZRef<IParam> ForeignTree::view(Node& node) { return CQZRef<IParam>::Adopt(new View(*this, node)); }
 

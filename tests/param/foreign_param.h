@@ -19,7 +19,7 @@ public:
     };
 
     ForeignTree() = default;
-    explicit ForeignTree(const std::vector<struct Step>& steps);
+    explicit ForeignTree(const std::string& steps);
     CQZRef<IParam> root() { return view(top); }
     CQZRef<IParam> view(Node& node);
 

@@ -35,15 +35,14 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Ini, ParamContract, IniBackend);
 class Ini : public testing::Test {
 protected:
     // A file of its own for each: the platform may take one that was rewritten at once for the old one.
-    Tree tree_on(std::string_view contents) {
-        name_ = std::to_wstring(++files_) + L".ini";
-        path_ = folder_.file(name_, contents);
-        return open_ini(path_);
-    }
     Tree new_tree() {
         name_ = std::to_wstring(++files_) + L".ini";
         path_ = folder_.path(name_);
         return open_ini(path_);
+    }
+    Tree tree_on(std::string_view contents) {
+        folder_.file(std::to_wstring(files_ + 1) + L".ini", contents);
+        return new_tree();
     }
 
     // Through the platform, of the file opened last.
@@ -84,25 +83,10 @@ TEST_F(Ini, WritesALetterAndTheValue) {
         const char* read;
     } rows[] = {
         {CQZVariant(), "e", "empty"},
-        {CQZVariant(1, QZVT_BOOL), "f1", "bool 1"},
         {CQZVariant(static_cast<unsigned char>(171)), "b:L", "byte 0"},
-        {CQZVariant(static_cast<unsigned short>(60000)), "w60000", "word 60000"},
-        {CQZVariant(4000000000ul), "W4000000000", "ulong 4000000000"},
         {CQZVariant(-5), "i-5", "int -5"},
-        {CQZVariant(7u), "u7", "uint 7"},
-        {CQZVariant(-7l), "l-7", "long -7"},
-        {CQZVariant(2.5), "R2.5", "double 2.5"},
-        {CQZVariant(0.25f), "r0.25", "float 0.25"},
-        {CQZVariant("a \"quoted\" | text; = [x]"), "sa \"quoted\" | text; = [x]",
-         "text 'a \"quoted\" | text; = [x]'"},
+        {CQZVariant("a \"q\" | text; = [x]"), "sa \"q\" | text; = [x]", "text 'a \"q\" | text; = [x]'"},
         {CQZVariant("  blanks  "), "s  blanks", "text '  blanks'"},
-        {CQZVariant(""), "s", "text ''"},
-        {CQZVariant(tagSIZE{1, -2}), "z1,-2", "size 1,-2"},
-        {CQZVariant(tagRSIZE{1.5, 2.5}), "Z1.5,2.5", "rsize 1.5,2.5"},
-        {CQZVariant(tagPOINT{3, 4}), "p3,4", "point 3,4"},
-        {CQZVariant(tagRPOINT{0.5, -0.5}), "P0.5,-0.5", "rpoint 0.5,-0.5"},
-        {CQZVariant(tagRECT{1, 2, 3, 4}), "t1,2,3,4", "rect 1,2,3,4"},
-        {CQZVariant(tagRRECT{0.5, 1.5, 2.5, 3.5}), "T0.5,1.5,2.5,3.5", "rrect 0.5,1.5,2.5,3.5"},
         {CQZVariant(tagQZBLOB{3, bytes}), "xAB001F", "blob AB001F"},
         {CQZVariant(L"wide"), "swide", "text 'wide'"},
     };
@@ -133,19 +117,14 @@ TEST_F(Ini, ReadsWhatOthersWrote) {
     const Tree root = tree_on("outside=i1\r\n; comment\r\n[\\]\r\n; comment\r\n  A  =  i1  \r\nb=i0x10\r\n"
                               "c=\r\nd=q1\r\ne=i\r\nf\r\ng=\"i5\"\r\nh=I5\r\nj=i1;2\r\ni=sx\r\n;k=i1\n"
                               "l=i2\n[\\s]\nv=i3\r\n[\\]\r\nm=i4\r\n[\\T");
-    const struct {
-        const char* name;
-        const char* read;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"a", "int 1"},      {"b", "int 16"},  {"c", "none"}, {"d", "none"},     {"e", "none"},
         {"f", "none"},       {"g", "int 5"},   {"h", "none"}, {"j", "int 1"},    {"k", "none"},
         {"i", "text 'x'"},   {"l", "int 2"},   {"m", "none"}, {"s\\v", "int 3"}, {"s\\", "empty"},
         {"outside", "none"}, {"x\\v", "none"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(value_in(*root, row.name), row.read);
-    }
+    for (const auto& [name, read] : rows)
+        EXPECT_EQ(value_in(*root, name), read) << name;
     EXPECT_NE(contents().find("; comment\r\n[\\]\r\n; comment\r\n"), std::string::npos);
 }
 
@@ -192,34 +171,18 @@ TEST_F(Ini, ListsChildrenByTheNamesOfSections) {
 TEST_F(Ini, FollowsTheCodePage) {
     const struct {
         unsigned code_page;
-        const char* one;
-        const char* other;
+        std::string one, other; // and a last letter
     } rows[] = {
-        {1252,
-         "\xC4"
-         "a",
-         "\xD6"
-         "a"},
-        {1251,
-         "\xC6"
-         "a",
-         "\xE6"
-         "a"},
-        {932,
-         "\x83\x5C\x83\x41"
-         "a",
-         "\x83\x5C\x83\x61"
-         "a"},
-    };
+        {1252, "\xC4", "\xD6"}, {1251, "\xC6", "\xE6"}, {932, "\x83\x5C\x83\x41", "\x83\x5C\x83\x61"}};
     for (const auto& row : rows) {
         if (row.code_page != GetACP()) continue;
-        const std::string one = row.one, other = row.other;
+        const std::string one = row.one + "a", other = row.other + "a";
         const Tree root = new_tree();
-        const CQZVariant text(row.one);
+        const CQZVariant text(one.c_str());
         for (const std::string& name : {one, one + "\\b", other, other + "\\c"})
-            Tree::Adopt(root->CreateSubParam(name.c_str()))->SetValue(row.other, &text);
+            Tree::Adopt(root->CreateSubParam(name.c_str()))->SetValue(other.c_str(), &text);
         EXPECT_EQ(take_names(root->EnumSubParams()), (Names{one, other}));
-        const auto node = Tree::Adopt(root->OpenSubParam((one.substr(0, one.size() - 1) + "A").c_str(), 0));
+        const auto node = Tree::Adopt(root->OpenSubParam((row.one + "A").c_str(), 0));
         ASSERT_TRUE(node);
         EXPECT_EQ(take_names(node->EnumSubParams()), Names{"b"});
         EXPECT_EQ(value_in(*root, (other + "\\c\\" + other).c_str()), "text '" + one + "'");
@@ -253,25 +216,16 @@ TEST_F(Ini, DeletesSectionsWithWhatIsBelowThem) {
         "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n[\\a]\r\n@=e\r\n[\\ab]\r\n@=e\r\n[\\A\\b]\r\n@=e\r\n"
         "[\\a\\b\\c]\r\n@=e\r\n[\\a\\x\\y]\r\n@=e\r\n[\\d]\r\n@=e\r\nv=i1\r\n";
     const std::string a_gone = "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n[\\ab]\r\n@=e\r\n[\\d]\r\n@=e\r\nv=i1\r\n";
-    Tree root = tree_on(all);
-    root->DeleteSubParam("a");
+    tree_on(all)->DeleteSubParam("a");
     EXPECT_EQ(contents(), a_gone);
-    root = tree_on(all);
-    Tree::Adopt(root->OpenSubParam("a", 0))->Clear();
+    Tree::Adopt(tree_on(all)->OpenSubParam("a", 0))->Clear();
     EXPECT_EQ(contents(), a_gone);
-    EXPECT_FALSE(Tree::Adopt(root->OpenSubParam("a", 0)));
-    root = tree_on(all);
-    root->DeleteAllSubParams();
+    tree_on(all)->DeleteAllSubParams();
     EXPECT_EQ(contents(), "[Other]\r\nx=1\r\n[\\]\r\n@=e\r\n");
-    root = tree_on(all);
-    root->Clear(); // sections of others stay
+    tree_on(all)->Clear(); // sections of others stay
     EXPECT_EQ(contents(), "[Other]\r\nx=1\r\n");
-}
-
-TEST_F(Ini, DeletingAllValuesLeavesTheMark) {
-    const Tree root = tree_on("[\\]\r\n@=i5\r\na=i1\r\n; comment\r\nb=i2\r\n[\\s]\r\n@=e\r\n");
-    root->DeleteAllValues();
-    EXPECT_EQ(contents(), "[\\]\r\n; comment\r\n@=e\r\n[\\s]\r\n@=e\r\n");
+    tree_on("[\\]\r\n@=i5\r\na=i1\r\n; comment\r\nb=i2\r\n[\\s]\r\n@=e\r\n")->DeleteAllValues();
+    EXPECT_EQ(contents(), "[\\]\r\n; comment\r\n@=e\r\n[\\s]\r\n@=e\r\n"); // with its mark
 }
 
 TEST_F(Ini, ChildrenKeepTheirParents) {

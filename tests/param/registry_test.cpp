@@ -54,48 +54,39 @@ TEST_F(Registry, StoresValuesAsTextsOrAsTaggedBytes) {
     const struct {
         CQZVariant value;
         const char* stored; // type 1 is REG_SZ, 3 is REG_BINARY
-        const char* read;
     } rows[] = {
-        {CQZVariant(), "3: 00 00 00 00", "empty"},
-        {CQZVariant(1, QZVT_BOOL), "3: 01 00 00 00 01 00 00 00", "bool 1"},
-        {CQZVariant(static_cast<unsigned char>(0xAB)), "3: 02 00 00 00 ab", "byte 171"},
-        {CQZVariant(static_cast<unsigned short>(0xABCD)), "3: 03 00 00 00 cd ab", "word 43981"},
-        {CQZVariant(0x01020304ul), "3: 04 00 00 00 04 03 02 01", "ulong 16909060"},
-        {CQZVariant(-2), "3: 05 00 00 00 fe ff ff ff", "int -2"},
-        {CQZVariant(3u), "3: 06 00 00 00 03 00 00 00", "uint 3"},
-        {CQZVariant(-3l), "3: 07 00 00 00 fd ff ff ff", "long -3"},
-        {CQZVariant(1.0), "3: 08 00 00 00 00 00 00 00 00 00 f0 3f", "double 1"},
-        {CQZVariant(-2.0f), "3: 09 00 00 00 00 00 00 c0", "float -2"},
-        {CQZVariant("ab"), "1: 61 00 62 00 00 00", "text 'ab'"},
-        {CQZVariant(""), "1: 00 00", "text ''"},
-        {CQZVariant(static_cast<const char*>(nullptr)), "1: 00 00", "text ''"},
-        {CQZVariant(tagSIZE{1, -1}), "3: 0b 00 00 00 01 00 00 00 ff ff ff ff", "size 1,-1"},
-        {CQZVariant(tagRSIZE{1, 2}), "3: 0c 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40",
-         "rsize 1,2"},
-        {CQZVariant(tagPOINT{2, 3}), "3: 0d 00 00 00 02 00 00 00 03 00 00 00", "point 2,3"},
-        {CQZVariant(tagRPOINT{1, 2}), "3: 0e 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40",
-         "rpoint 1,2"},
-        {CQZVariant(tagRECT{1, 2, 3, 4}), "3: 0f 00 00 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00",
-         "rect 1,2,3,4"},
-        {CQZVariant(tagRRECT{1, 2, 1, 2}),
-         "3: 10 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40 "
-         "00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40",
-         "rrect 1,2,1,2"},
-        {CQZVariant(tagQZBLOB{3, bytes}), "3: 11 00 00 00 03 00 00 00 aa 00 ff", "blob AA00FF"},
-        {CQZVariant(tagQZBLOB{0, nullptr}), "3: 11 00 00 00 00 00 00 00", "blob "},
-        {CQZVariant(tagQZBLOB{2, nullptr}), "3: 11 00 00 00 02 00 00 00 00 00", "blob 0000"},
-        {CQZVariant(L"wide"), "1: 77 00 69 00 64 00 65 00 00 00", "text 'wide'"},
-        {CQZVariant(L"\x4E00"), "1: 00 4e 00 00", nullptr}, // depends on the code page
-        {CQZVariant(root_.Get()), "", "none"},
+        {CQZVariant(), "3: 00 00 00 00"},
+        {CQZVariant(1, QZVT_BOOL), "3: 01 00 00 00 01 00 00 00"},
+        {CQZVariant(static_cast<unsigned char>(0xAB)), "3: 02 00 00 00 ab"},
+        {CQZVariant(static_cast<unsigned short>(0xABCD)), "3: 03 00 00 00 cd ab"},
+        {CQZVariant(0x01020304ul), "3: 04 00 00 00 04 03 02 01"},
+        {CQZVariant(-2), "3: 05 00 00 00 fe ff ff ff"},
+        {CQZVariant(3u), "3: 06 00 00 00 03 00 00 00"},
+        {CQZVariant(-3l), "3: 07 00 00 00 fd ff ff ff"},
+        {CQZVariant(1.0), "3: 08 00 00 00 00 00 00 00 00 00 f0 3f"},
+        {CQZVariant(-2.0f), "3: 09 00 00 00 00 00 00 c0"},
+        {CQZVariant("ab"), "1: 61 00 62 00 00 00"},
+        {CQZVariant(""), "1: 00 00"},
+        {CQZVariant(static_cast<const char*>(nullptr)), "1: 00 00"},
+        {CQZVariant(tagSIZE{1, -1}), "3: 0b 00 00 00 01 00 00 00 ff ff ff ff"},
+        {CQZVariant(tagRSIZE{1, 2}), "3: 0c 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40"},
+        {CQZVariant(tagPOINT{2, 3}), "3: 0d 00 00 00 02 00 00 00 03 00 00 00"},
+        {CQZVariant(tagRPOINT{1, 2}), "3: 0e 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40"},
+        {CQZVariant(tagRECT{1, 2, 3, 4}), "3: 0f 00 00 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00"},
+        {CQZVariant(tagRRECT{1, 2, 1, 2}), "3: 10 00 00 00 00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40 "
+                                           "00 00 00 00 00 00 f0 3f 00 00 00 00 00 00 00 40"},
+        {CQZVariant(tagQZBLOB{3, bytes}), "3: 11 00 00 00 03 00 00 00 aa 00 ff"},
+        {CQZVariant(tagQZBLOB{0, nullptr}), "3: 11 00 00 00 00 00 00 00"},
+        {CQZVariant(tagQZBLOB{2, nullptr}), "3: 11 00 00 00 02 00 00 00 00 00"},
+        {CQZVariant(L"wide"), "1: 77 00 69 00 64 00 65 00 00 00"},
+        {CQZVariant(L"\x4E00"), "1: 00 4e 00 00"},
+        {CQZVariant(root_.Get()), ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.stored);
         root_->DeleteValue("v");
         root_->SetValue("v", &row.value);
         EXPECT_EQ(stored(L"v"), row.stored);
-        if (row.read != nullptr) {
-            EXPECT_EQ(value_in(*root_, "v"), row.read);
-        }
     }
     tagQZVARIANT unknown{};
     unknown.vt = QZVT_COUNT;
@@ -136,6 +127,7 @@ TEST_F(Registry, ReadsWhatOthersStored) {
         {REG_BINARY, "11 00 00 00 03 00 00 00 aa bb", "none"},
         {REG_BINARY, "11 00 00 00 ff ff ff ff aa bb", "none"},
         {REG_BINARY, "11 00 00 00 01 00 00 00 aa bb", "blob AA"},
+        {REG_BINARY, "11 00 00 00 00 00 00 00", "blob "},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.type) + ": " + row.bytes);
@@ -209,12 +201,11 @@ TEST_F(Registry, EndsTheListAtANameOfMoreThan512Characters) {
 }
 
 TEST_F(Registry, ClearKeepsKeysAndDeletingRemovesThem) {
-    const std::vector<Step> made = {
-        {"create", "a\\b\\c"}, {"put", "a\\v"}, {"put", "a\\b\\v"}, {"create", "d"}};
+    const char* const made = "create a\\b\\c; put a\\v; put a\\b\\v; create d";
     run_steps(*root_, made);
     root_->Clear();
     EXPECT_EQ(outline_of(*root_, false), "a{b{c{}}} d{}");
-    run_steps(*root_, {{"put", "a\\b\\c\\v"}, {"drop", "a"}});
+    run_steps(*root_, "put a\\b\\c\\v; drop a");
     EXPECT_EQ(outline_of(*root_, false), "d{}");
     run_steps(*root_, made);
     root_->DeleteAllSubParams();
@@ -252,7 +243,7 @@ std::wstring current_user() {
 
 // A link to a key above would lead round and round, and one to elsewhere out of the tree.
 TEST_F(Registry, EmptiesNothingBehindALink) {
-    run_steps(*root_, {{"create", "a"}, {"put", "a\\v"}, {"create", "b"}, {"put", "b\\w"}});
+    run_steps(*root_, "create a; put a\\v; create b; put b\\w");
     HKEY link = nullptr;
     ASSERT_EQ(RegCreateKeyExA(tree_.key, "b\\link", 0, nullptr, REG_OPTION_CREATE_LINK, KEY_ALL_ACCESS,
                               nullptr, &link, nullptr),
@@ -324,7 +315,7 @@ TEST_F(Registry, GoesOnWhenTheSystemRefuses) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.function);
         RegDeleteTreeA(tree_.key, nullptr);
-        run_steps(*root_, {{"set", "v"}, {"set", "w"}, {"create", "b"}, {"create", "a"}});
+        run_steps(*root_, "set v; set w; create b; create a");
         set_int(*CQZRef<IParam>::Adopt(root_->OpenSubParam("b", 0)), "w", 3);
         EXPECT_EQ(without(row.function, refuse, *root_), row.done);
         EXPECT_EQ(outline_of(*root_, false), row.left);

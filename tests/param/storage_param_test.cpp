@@ -82,22 +82,23 @@ TEST_F(StorageParam, ANodeAnswersForItsStorage) {
 // Of a path only the first missing node is made: a value below two missing ones is not stored at all.
 TEST_F(StorageParam, APathMakesItsFirstNodeAlone) {
     struct Row {
-        std::vector<Step> steps;
+        const char* steps;
         const char* expected;
     };
     const Row rows[] = {
-        {{{"set", "a\\v"}}, "a{v=1}"},
-        {{{"set", "a\\b\\v"}}, "a{}"},
-        {{{"set", "a\\b\\c\\v"}}, "a{}"},
-        {{{"make", "a\\b"}}, "a{}"},
-        {{{"create", "a\\b"}, {"set", "a\\b\\v"}}, "a{b{v=2}}"},
-        {{{"create", "a\\b"}, {"set", "a\\c\\v"}}, "a{b{}}"},
-        {{{"open", "a\\b"}}, ""},
-        {{{"create", "a\\b\\c"}, {"create", "a\\d"}}, "a{b{c{}} d{}}"},
+        {"set a\\v", "a{v=1}"},
+        {"set a\\b\\v", "a{}"},
+        {"set a\\b\\c\\v", "a{}"},
+        {"make a\\b", "a{}"},
+        {"create a\\b; set a\\b\\v", "a{b{v=2}}"},
+        {"create a\\b; set a\\c\\v", "a{b{}}"},
+        {"open a\\b", ""},
+        {"create a\\b\\c; create a\\d", "a{b{c{}} d{}}"},
     };
     for (const Row& row : rows) {
         root->Clear();
-        SCOPED_TRACE(run_steps(*root, row.steps));
+        SCOPED_TRACE(row.steps);
+        run_steps(*root, row.steps);
         EXPECT_EQ(outline_of(*root, false), row.expected);
     }
 }

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 namespace {
 
 using namespace forms;
@@ -18,19 +16,14 @@ void set_text(IParam& tree, const char* name, const char* value) {
 
 TEST(TextForm, GoesDepthFirstInOrderOfCreationValuesBeforeChildren) {
     const struct {
-        std::vector<Step> steps;
+        const char* steps;
         const char* text;
     } rows[] = {
-        {{}, "[\\]|"},
-        {{{"create", "s"}, {"set", "a"}}, "[\\]|a=i2|[\\s]|"},
-        {{{"set", ""}}, "[\\]|@=i1|"},
-        {{{"create", "b"},
-          {"create", "a"},
-          {"create", "b\\deep one"},
-          {"set", "a\\x"},
-          {"set", "b\\deep one\\z"},
-          {"set", "b\\deep one\\y"},
-          {"set", "b\\Upper"}},
+        {"", "[\\]|"},
+        {"create s; set a", "[\\]|a=i2|[\\s]|"},
+        {"set", "[\\]|@=i1|"},
+        {"create b; create a; create b\\deep one; set a\\x; set b\\deep one\\z; set b\\deep one\\y; set "
+         "b\\Upper",
          "[\\]|[\\b]|Upper=i7|[\\b\\deep one]|z=i5|y=i6|[\\a]|x=i4|"},
     };
     for (const auto& row : rows)
@@ -77,27 +70,6 @@ TEST(TextForm, OnOneLineIsCutAsReadingWouldCutIt) {
     }
 }
 
-// In code page 932 "|", "\" and "]" are second bytes of characters; elsewhere the bytes are characters of
-// their own.
-TEST(TextForm, KeepsDoubleByteCharactersWhole) {
-    const bool japanese = GetACP() == 932;
-    const struct {
-        const char* value;
-        const char* whole;
-        const char* bytewise;
-    } rows[] = {
-        {"a\x81\x7C", "[\\]|v=sa\x81\x7C|", "[\\]|v=sa\x81|"},
-        {"\x83\x7C\x81\x7C|z", "[\\]|v=s\x83\x7C\x81\x7C|z|", "[\\]|v=s\x83|\x81|z|"},
-        {"\x81", "[\\]|v=s\x81|", "[\\]|v=s\x81|"},
-        {"\x83\x5C\x83\x5D", "[\\]|v=s\x83\x5C\x83\x5D|", "[\\]|v=s\x83\x5C\x83\x5D|"},
-    };
-    for (const auto& row : rows) {
-        const Tree tree = memory_tree();
-        set_text(*tree, "v", row.value);
-        EXPECT_EQ(text_of(*tree), japanese ? row.whole : row.bytewise);
-    }
-}
-
 TEST(TextForm, LeavesOutNamesThatDoNotOpen) {
     const Tree tree = tree_from("[\\]|a=i1|aeaea=i2|b=i3|[\\aeaea]|[\\c]|");
     tree->DeleteValue(kSameHash);
@@ -114,13 +86,6 @@ TEST(TextForm, TooLargeForAStringIsRefused) {
     CXString text("untouched");
     EXPECT_EQ(Param_Param2String(tree.Get(), text), 0);
     EXPECT_EQ(text, "untouched");
-}
-
-TEST(TextForm, ReadBackGivesTheSameTree) {
-    const char* const text = "[\\]|a=e|b=f1|c=w7|d=W8|e=i-9|f=u10|g=l-11|h=R2.5|i=r0.25|j=ssome text|k=z1,2|"
-                             "l=Z0.5,1.5|m=p3,4|n=P2.5,3.5|o=t1,2,3,4|p=T0.5,1.5,2.5,3.5|q=x00FF|"
-                             "[\\a]|n=i0|[\\a\\b c]|[\\d]|@=s@|";
-    EXPECT_EQ(text_of(*tree_from(text)), text);
 }
 
 } // namespace

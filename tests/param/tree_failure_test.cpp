@@ -19,8 +19,7 @@ namespace {
 
 using namespace forms;
 
-const std::vector<Step> kSteps = {
-    {"set", "v"}, {"create", "a"}, {"set", "a\\v"}, {"create", "a\\b"}, {"set", "a\\b\\v"}};
+const char* const kSteps = "set v; create a; set a\\v; create a\\b; set a\\b\\v";
 
 // One operation on two trees, the first of which, or the second, fails.
 struct Operation {
@@ -106,7 +105,7 @@ TEST(TreeFailure, EnumeratorsAreNeeded) {
 
 // Going on without the child would lose what belongs below it.
 TEST(TreeFailure, AChildThatTheTreeRefusesEndsTheOperation) {
-    const std::vector<Step> steps = {{"set", "v"}, {"create", "a"}, {"set", "a\\w"}};
+    const char* const steps = "set v; create a; set a\\w";
     ForeignTree copied, parsed, loaded;
     copied.creates = parsed.creates = loaded.creates = false;
     EXPECT_THROW(Param_CopyTo(memory_tree(steps).Get(), copied.root().Get()), CXMemException);
@@ -126,9 +125,9 @@ void* WINAPI allocate_while_there_is(HANDLE heap, DWORD flags, SIZE_T size) {
 
 // Wherever memory ends, either the whole tree has arrived or the caller is told that it has not.
 TEST(TreeFailure, NothingIsLostSilentlyWhereverMemoryEnds) {
-    std::vector<Step> steps;
+    std::string steps;
     for (int i = 0; i < 400; ++i)
-        steps.push_back({"set", "n" + std::to_string(i) + "\\deeper\\v" + std::to_string(i)});
+        steps += "set n" + std::to_string(i) + "\\deeper\\v" + std::to_string(i) + "; ";
     const Tree tree = memory_tree(steps);
     CXString text;
     ASSERT_EQ(Param_Param2String(tree.Get(), text), 1);

@@ -12,16 +12,13 @@ namespace {
 
 using namespace forms;
 
-struct ReadRow {
-    const char* text; // letter and value
-    const char* value;
-};
-
-std::string read_value(const std::string& text) { return value_in(*tree_from("[\\]|v=" + text), "v"); }
-
-void expect_read(std::initializer_list<ReadRow> rows) {
-    for (const ReadRow& row : rows)
-        EXPECT_EQ(read_value(row.text), row.value) << row.text;
+// "i12 -> int 12": a letter with its value, and what is read.
+void expect_read(std::initializer_list<const char*> rows) {
+    for (const std::string row : rows) {
+        const std::size_t arrow = row.find(" -> ");
+        const Tree tree = tree_from("[\\]|v=" + row.substr(0, arrow));
+        EXPECT_EQ(value_in(*tree, "v"), row.substr(arrow + 4)) << row;
+    }
 }
 
 std::string written(const CQZVariant& value) {
@@ -30,182 +27,75 @@ std::string written(const CQZVariant& value) {
     return text_of(*tree);
 }
 
-TEST(ValueText, ReadsEmptyValuesWhateverFollows) {
-    expect_read({{"e", "empty"}, {"eanything", "empty"}, {"e 12", "empty"}});
+TEST(ValueText, KnowsItsLettersAndTellsCaseApart) {
+    expect_read({"e -> empty", "e 12 -> empty", "q1 -> none", "I1 -> none", "L1 -> none", "U1 -> none",
+                 "S1 -> none", "E -> none", "F1 -> none", "B00 -> none", "X00 -> none", "1 -> none",
+                 " -> none", "\xE9 -> none"});
 }
 
-TEST(ValueText, KnowsNoOtherLettersAndTellsCaseApart) {
-    expect_read({{"q1", "none"},
-                 {"I1", "none"},
-                 {"L1", "none"},
-                 {"U1", "none"},
-                 {"S1", "none"},
-                 {"E", "none"},
-                 {"F1", "none"},
-                 {"B00", "none"},
-                 {"X00", "none"},
-                 {"1", "none"},
-                 {"", "none"},
-                 {"\xE9", "none"}});
-}
-
+// A number is 0 or 1, not only in its lower 32 bits; "0x1" is a decimal 0 and something behind it.
 TEST(ValueText, ReadsBooleans) {
-    expect_read({{"f1", "bool 1"},
-                 {"f0", "bool 0"},
-                 {"f01", "bool 1"},
-                 {"f1abc", "bool 1"},
-                 {"f2", "none"},
-                 {"f10", "none"},
-                 {"f4294967296", "none"}, // not 0 and 1, as in 32 bits
-                 {"f4294967297", "none"},
-                 {"f18446744073709551617", "none"},
-                 {"f-1", "none"},
-                 {"f+1", "none"},
-                 {"f 1", "none"},
-                 {"f0x1", "bool 0"}, // a decimal 0 and something behind it
-                 {"fYes", "bool 1"},
-                 {"fy", "bool 1"},
-                 {"fYonder", "bool 1"},
-                 {"fNo", "bool 0"},
-                 {"fnever", "bool 0"},
-                 {"ftrue", "none"},
-                 {"f", "none"}});
+    expect_read({"f1 -> bool 1", "f0 -> bool 0", "f01 -> bool 1", "f1abc -> bool 1", "f0x1 -> bool 0",
+                 "fYes -> bool 1", "fy -> bool 1", "fYonder -> bool 1", "fNo -> bool 0", "fnever -> bool 0"});
+    expect_read({"f2 -> none", "f10 -> none", "f4294967296 -> none", "f4294967297 -> none",
+                 "f18446744073709551617 -> none", "f-1 -> none", "f+1 -> none", "f 1 -> none",
+                 "ftrue -> none", "f -> none"});
 }
 
 TEST(ValueText, ReadsEveryByteAsZero) {
-    expect_read({{"b00", "byte 0"},
-                 {"b:L", "byte 0"},
-                 {"bFF", "byte 0"},
-                 {"bff", "byte 0"},
-                 {"b7Pmore", "byte 0"},
-                 {"b9:", "byte 0"},
-                 {"b", "none"},
-                 {"b7", "none"},
-                 {"bG0", "none"},
-                 {"b0K", "none"},
-                 {"bQ0", "none"},
-                 {"bl0", "none"},
-                 {"b;0", "none"},
-                 {"b /0", "none"}});
+    expect_read({"b00 -> byte 0", "b:L -> byte 0", "bFF -> byte 0", "bff -> byte 0", "b7Pmore -> byte 0",
+                 "b9: -> byte 0", "b -> none", "b7 -> none", "bG0 -> none", "b0K -> none", "bQ0 -> none",
+                 "bl0 -> none", "b;0 -> none", "b /0 -> none"});
 }
 
+// Numbers that do not fit stop at the limit.
 TEST(ValueText, ReadsIntegers) {
-    expect_read({
-        {"i0", "int 0"},
-        {"i-12", "int -12"},
-        {"i+12", "int 12"},
-        {"i 12", "int 12"},
-        {"i12abc", "int 12"},
-        {"i007", "int 7"},
-        {"i999999999", "int 999999999"},
-        {"i1234567890", "int 1234567890"},
-        {"i2147483647", "int 2147483647"},
-        {"i2147483648", "int 2147483647"}, // numbers that do not fit stop at the limit
-        {"i-2147483649", "int -2147483648"},
-        {"i99999999999999999999", "int 2147483647"},
-        {"i", "none"},
-        {"i-", "none"},
-        {"iabc", "none"},
-        {"i--1", "none"},
-        {"i,1", "none"},
-        {"l-5", "long -5"},
-        {"l0x7f", "long 127"},
-        {"u5", "uint 5"},
-        {"u4294967295", "uint 4294967295"},
-        {"u4294967296", "uint 4294967295"},
-        {"u-1", "uint 4294967295"},
-        {"W4294967295", "ulong 4294967295"},
-        {"W-2", "ulong 4294967294"},
-        {"Wabc", "none"},
-        {"w65535", "word 65535"},
-        {"w65536", "none"},
-        {"w-1", "none"},
-        {"w0x10", "word 16"},
-        {"w0x10000", "none"},
-        {"w", "none"},
-    });
+    expect_read({"i0 -> int 0", "i-12 -> int -12", "i+12 -> int 12", "i 12 -> int 12", "i12abc -> int 12",
+                 "i007 -> int 7", "i999999999 -> int 999999999", "i1234567890 -> int 1234567890",
+                 "i2147483647 -> int 2147483647", "i2147483648 -> int 2147483647",
+                 "i-2147483649 -> int -2147483648"});
+    expect_read({"i99999999999999999999 -> int 2147483647", "l-5 -> long -5", "l0x7f -> long 127",
+                 "u5 -> uint 5", "u4294967295 -> uint 4294967295", "u4294967296 -> uint 4294967295",
+                 "u-1 -> uint 4294967295", "W4294967295 -> ulong 4294967295", "W-2 -> ulong 4294967294",
+                 "w65535 -> word 65535", "w0x10 -> word 16"});
+    expect_read({"i -> none", "i- -> none", "iabc -> none", "i--1 -> none", "i,1 -> none", "Wabc -> none",
+                 "w65536 -> none", "w-1 -> none", "w0x10000 -> none", "w -> none"});
 }
 
 TEST(ValueText, AnXAnywhereInTheRestMakesAnIntegerHexadecimal) {
-    expect_read({
-        {"i0x10", "int 16"},
-        {"i0XfF", "int 255"},
-        {"i-0x10", "int -16"},
-        {"i12 x", "int 18"},
-        {"i12 Xylophone", "int 18"},
-        {"iabcx", "int 2748"},
-        {"ix", "none"},
-        {"iabc", "none"},
-        {"z0x10,20", "size 16,20"},
-        {"z10,0x20", "size 16,32"},
-        {"z10 x,20", "size 16,20"},
-        {"p10,20x", "point 16,32"},
-        {"t1,2,3,0x4", "rect 1,2,3,4"},
-        {"t10,10,0x10,10", "rect 16,16,16,10"},
-        {"i0x80000000", "int 2147483647"},
-        {"u0x80000000", "uint 2147483648"},
-    });
+    expect_read({"i0x10 -> int 16", "i0XfF -> int 255", "i-0x10 -> int -16", "i12 x -> int 18",
+                 "i12 Xylophone -> int 18", "iabcx -> int 2748", "ix -> none", "iabc -> none",
+                 "z0x10,20 -> size 16,20", "z10,0x20 -> size 16,32", "z10 x,20 -> size 16,20",
+                 "p10,20x -> point 16,32", "t1,2,3,0x4 -> rect 1,2,3,4", "t10,10,0x10,10 -> rect 16,16,16,10",
+                 "i0x80000000 -> int 2147483647", "u0x80000000 -> uint 2147483648"});
 }
 
+// What stands between a number and the comma is passed over.
 TEST(ValueText, ReadsListsOfNumbers) {
-    expect_read({
-        {"z1,2", "size 1,2"},
-        {"z-1,-2147483648", "size -1,-2147483648"},
-        {"p3,4", "point 3,4"},
-        {"p3abc,4def", "point 3,4"}, // what stands between a number and the comma is passed over
-        {"p3 , 4", "point 3,4"},
-        {"p3", "none"},
-        {"p3,", "none"},
-        {"p,4", "none"},
-        {"p3;4", "none"},
-        {"p3,,4", "none"},
-        {"p1,2,3", "point 1,2"},
-        {"t1,2,3,4", "rect 1,2,3,4"},
-        {"t1,2,3", "none"},
-        {"t1,2,3,", "none"},
-        {"t1,2,,4", "none"},
-        {"Z1.5,-2.25", "rsize 1.5,-2.25"},
-        {"P1e3,.5", "rpoint 1000,0.5"},
-        {"P1.5", "none"},
-        {"Px,1", "none"},
-        {"T1,2.5,-3,4e-2", "rrect 1,2.5,-3,0.04"},
-        {"T1,2,3", "none"},
-    });
+    expect_read({"z-1,-2147483648 -> size -1,-2147483648", "p3,4 -> point 3,4", "p3abc,4def -> point 3,4",
+                 "p3 , 4 -> point 3,4", "p1,2,3 -> point 1,2", "Z1.5,-2.25 -> rsize 1.5,-2.25",
+                 "P1e3,.5 -> rpoint 1000,0.5", "T1,2.5,-3,4e-2 -> rrect 1,2.5,-3,0.04"});
+    expect_read({"p3 -> none", "p3, -> none", "p,4 -> none", "p3;4 -> none", "p3,,4 -> none",
+                 "t1,2,3 -> none", "t1,2,3, -> none", "t1,2,,4 -> none", "P1.5 -> none", "Px,1 -> none",
+                 "T1,2,3 -> none"});
 }
 
 TEST(ValueText, ReadsReals) {
-    expect_read({{"R2.5", "double 2.5"},
-                 {"R-1e10", "double -10000000000"},
-                 {"R 7", "double 7"},
-                 {"R3.", "double 3"},
-                 {"R1.5abc", "double 1.5"},
-                 {"R", "none"},
-                 {"Rabc", "none"},
-                 {"R.", "none"},
-                 {"r0.25", "float 0.25"},
-                 {"r0.1", "float 0.1"},
-                 {"r1e100", "float inf"},
-                 {"r", "none"}});
+    expect_read({"R2.5 -> double 2.5", "R-1e10 -> double -10000000000", "R 7 -> double 7", "R3. -> double 3",
+                 "R1.5abc -> double 1.5", "R -> none", "Rabc -> none", "R. -> none", "r0.25 -> float 0.25",
+                 "r0.1 -> float 0.1", "r1e100 -> float inf", "r -> none"});
 }
 
+// Only what follows is trimmed, with the statement.
 TEST(ValueText, ReadsTextsAsTheyAre) {
-    expect_read({{"s", "text ''"},
-                 {"sabc", "text 'abc'"},
-                 {"s  abc", "text '  abc'"}, // only what follows is trimmed, with the statement
-                 {"sabc  ", "text 'abc'"},
-                 {"sa=b;c#d[e]", "text 'a=b;c#d[e]'"},
-                 {"s\"quoted\"", "text '\"quoted\"'"}});
+    expect_read({"s -> text ''", "sabc -> text 'abc'", "s  abc -> text '  abc'", "sabc   -> text 'abc'",
+                 "sa=b;c#d[e] -> text 'a=b;c#d[e]'", "s\"quoted\" -> text '\"quoted\"'"});
 }
 
+// The size comes from the length of the text.
 TEST(ValueText, ReadsBlobsPassingOverOtherCharacters) {
-    expect_read({{"x", "blob "},
-                 {"x0A", "blob 0A"},
-                 {"x0aff", "blob 0AFF"},
-                 {"xA", "blob A0"},
-                 {"x1G2", "blob 1200"}, // the size comes from the length of the text
-                 {"x12 34", "blob 123400"},
-                 {"xzzz", "blob 0000"},
-                 {"x123", "blob 1230"}});
+    expect_read({"x -> blob ", "x0A -> blob 0A", "x0aff -> blob 0AFF", "xA -> blob A0", "x1G2 -> blob 1200",
+                 "x12 34 -> blob 123400", "xzzz -> blob 0000", "x123 -> blob 1230"});
 }
 
 TEST(ValueText, WritesEachType) {
@@ -256,8 +146,7 @@ TEST(ValueText, WritesEachType) {
 }
 
 TEST(ValueText, LeavesOutObjectsAndUnknownTypes) {
-    const Stream object = stream_of({});
-    EXPECT_EQ(written(CQZVariant(object.Get())), "[\\]|");
+    EXPECT_EQ(written(CQZVariant(stream_of({}).Get())), "[\\]|");
     tagQZVARIANT unknown{};
     unknown.vt = QZVT_COUNT;
     EXPECT_EQ(written(CQZVariant(unknown)), "[\\]|");

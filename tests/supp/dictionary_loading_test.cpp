@@ -1,6 +1,8 @@
 // Loading dictionaries: files that are missing, the first success, languages and their code pages.
 #include "dictionary_files.h"
 
+#include "support/child_process.h"
+
 #include "qzstring.h"
 #include "qzsupp.h"
 
@@ -15,32 +17,28 @@ namespace {
 
 std::wstring translated(const wchar_t* text) { return Supp_Translate(text); }
 
-TEST(DictionaryLoading, NeedsBothFiles) { expect_passes_alone("DictionaryLoading.DISABLED_NeedsBothFiles"); }
-TEST(DictionaryLoading, DISABLED_NeedsBothFiles) {
+TEST_ALONE(DictionaryLoading, NeedsBothFiles) {
     const DictionaryFiles files;
-    EXPECT_EQ(Supp_Init((files.directory() / "none.wld").c_str()), 0);
-    EXPECT_EQ(Supp_Init(files.directory().c_str()), 0) << "a directory";
+    EXPECT_EQ(Supp_Init(files.path(L"none.wld").c_str()), 0);
+    EXPECT_EQ(Supp_Init(files.path().c_str()), 0) << "a directory";
     EXPECT_STREQ(Supp_Translate(L"one"), L"one") << "the dictionary is empty";
 
     const std::wstring path =
-        files.write("a.b.wld", pair_lines("QZ_WLD_LANG_ID", "1049") + pair_lines("one", "un"));
+        files.file(L"a.b.wld", pair_lines("QZ_WLD_LANG_ID", "1049") + pair_lines("one", "un"));
     EXPECT_EQ(Supp_Init(path.c_str()), 0) << "without companion";
     EXPECT_EQ(translated(L"one"), L"un") << "what was read stays";
     EXPECT_EQ(Supp_GetACP(), 1251U);
     EXPECT_EQ(Supp_AddWld(path.c_str()), 0);
 
-    files.write("a.b.dlg", "");
+    files.file(L"a.b.dlg", "");
     EXPECT_EQ(Supp_Init(path.c_str()), 1) << "a failed load may be repeated";
 }
 
-TEST(DictionaryLoading, LoadsTheFirstOnce) {
-    expect_passes_alone("DictionaryLoading.DISABLED_LoadsTheFirstOnce");
-}
-TEST(DictionaryLoading, DISABLED_LoadsTheFirstOnce) {
+TEST_ALONE(DictionaryLoading, LoadsTheFirstOnce) {
     DictionaryFiles files;
     EXPECT_EQ(files.add(pair_lines("one", "un")), 1) << "adding is initialising at first";
-    files.write("next.dlg", "");
-    const std::wstring next = files.write("next.wld", pair_lines("one", "eins") + pair_lines("two", "zwei"));
+    files.file(L"next.dlg", "");
+    const std::wstring next = files.file(L"next.wld", pair_lines("one", "eins") + pair_lines("two", "zwei"));
     EXPECT_EQ(Supp_Init(next.c_str()), 0);
     EXPECT_EQ(translated(L"two"), L"two") << "the file was not looked at";
     EXPECT_EQ(Supp_AddWld(next.c_str()), 1);
@@ -48,16 +46,13 @@ TEST(DictionaryLoading, DISABLED_LoadsTheFirstOnce) {
     EXPECT_EQ(translated(L"two"), L"zwei");
 }
 
-TEST(DictionaryLoading, TakesAppWldFromTheCurrentDirectory) {
-    expect_passes_alone("DictionaryLoading.DISABLED_TakesAppWldFromTheCurrentDirectory");
-}
-TEST(DictionaryLoading, DISABLED_TakesAppWldFromTheCurrentDirectory) {
+TEST_ALONE(DictionaryLoading, TakesAppWldFromTheCurrentDirectory) {
     const DictionaryFiles files;
     const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(files.directory());
+    std::filesystem::current_path(files.path());
     EXPECT_EQ(Supp_Init(nullptr), 0);
-    files.write("app.wld", pair_lines("one", "un"));
-    files.write("app.dlg", "");
+    files.file(L"app.wld", pair_lines("one", "un"));
+    files.file(L"app.dlg", "");
     EXPECT_EQ(Supp_Init(nullptr), 1);
     std::filesystem::current_path(before);
     EXPECT_EQ(translated(L"one"), L"un");
@@ -91,17 +86,14 @@ TEST(DictionaryLoading, TakesTheCodePageOfTheLanguage) {
         expect_passes_alone("DictionaryLoading.DISABLED_TakesTheCodePageOfTheLanguage", row);
 }
 TEST(DictionaryLoading, DISABLED_TakesTheCodePageOfTheLanguage) {
-    const auto& row = kLanguages[fresh_row()];
+    const auto& row = kLanguages[std::stoi(child_argument())];
     DictionaryFiles files;
     EXPECT_EQ(Supp_GetACP(), 0U);
     EXPECT_EQ(files.add(row.file), 1);
     EXPECT_EQ(Supp_GetACP(), row.code_page) << row.file;
 }
 
-TEST(DictionaryLoading, ConvertsWithTheCodePageOfItsTime) {
-    expect_passes_alone("DictionaryLoading.DISABLED_ConvertsWithTheCodePageOfItsTime");
-}
-TEST(DictionaryLoading, DISABLED_ConvertsWithTheCodePageOfItsTime) {
+TEST_ALONE(DictionaryLoading, ConvertsWithTheCodePageOfItsTime) {
     DictionaryFiles files;
     const std::string e_narrow = "\xFD"; // the letter e of code page 1251
     const CXStringW e_system(e_narrow.c_str());

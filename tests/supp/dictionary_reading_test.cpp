@@ -77,11 +77,8 @@ TEST(DictionaryReading, GivesASourceWithoutPartnerTheTranslationBefore) {
          "\"odd a\"\n\"ODD\\x41\\n\"\n\"odd b\"\n",
          {{"odd a", "ODD\\x41\n"}, {"odd b", "ODD\\x41\n"}}},
         {"the only one", "\"odd c\"\n", {unknown("odd c")}},
+        {"an empty translation is the source", pair_lines("hollow\\n", ""), {unknown("hollow\n")}},
     });
-}
-
-TEST(DictionaryReading, TranslatesToTheSourceWhenTheTranslationIsEmpty) {
-    check({{"empty", pair_lines("hollow\\n", ""), {{"hollow\n", "hollow\n"}}}});
 }
 
 TEST(DictionaryReading, KeepsTheFirstOfEqualSources) {

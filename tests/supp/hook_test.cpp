@@ -5,6 +5,7 @@
 
 #include "supp/dictionary_files.h"
 #include "supp/fruit_module.h"
+#include "support/child_process.h"
 #include "support/image_imports.h"
 #include "support/import_mock.h"
 
@@ -62,20 +63,17 @@ TEST(Hooks, AFailedInstallationBreaksNothing) {
     _DeInitResTranslation(fruit.get());
 }
 
-TEST(Hooks, ADictionaryHooksTheModulesOfTheList) {
-    expect_passes_alone("Hooks.DISABLED_ADictionaryHooksTheModulesOfTheList");
-}
-TEST(Hooks, DISABLED_ADictionaryHooksTheModulesOfTheList) {
+TEST_ALONE(Hooks, ADictionaryHooksTheModulesOfTheList) {
     HMODULE const other = LoadLibraryA("hook_target.dll");
     const ImportSlots other_before = import_slots(other);
     const ImportSlots program_before = import_slots(GetModuleHandleA(nullptr));
     const FruitModule fruit("", FruitModule::State::as_it_is);
     const ImportSlots before = import_slots(fruit.get());
     const DictionaryFiles files;
-    EXPECT_EQ(Supp_Init(files.write("alone.wld", kFruit).c_str()), 0); // the companion file is missing
+    EXPECT_EQ(Supp_Init(files.file(L"alone.wld", kFruit).c_str()), 0); // the companion file is missing
     EXPECT_EQ(changed(before, fruit.get()), 0u);
-    files.write("alone.dlg", "");
-    EXPECT_EQ(Supp_Init((files.directory() / "alone.wld").c_str()), 1);
+    files.file(L"alone.dlg", "");
+    EXPECT_EQ(Supp_Init(files.path(L"alone.wld").c_str()), 1);
     EXPECT_EQ(changed(before, fruit.get()), FruitModule::kFunctions);
     EXPECT_EQ(changed(other_before, other), 0u);
     EXPECT_EQ(changed(program_before, GetModuleHandleA(nullptr)), 0u);
@@ -120,7 +118,7 @@ TEST(HookedStrings, AreTranslated) {
         expect_passes_alone("HookedStrings.DISABLED_AreTranslated", static_cast<int>(row));
 }
 TEST(HookedStrings, DISABLED_AreTranslated) {
-    const StringRow& row = string_rows().at(static_cast<std::size_t>(fresh_row()));
+    const StringRow& row = string_rows().at(static_cast<std::size_t>(std::stoi(child_argument())));
     SCOPED_TRACE(row.name);
     const FruitModule fruit(row.pairs);
     const auto shown = [](auto unit) { return unit == 0 ? L'0' : static_cast<wchar_t>(unit); };
@@ -145,10 +143,7 @@ TEST(HookedStrings, DISABLED_AreTranslated) {
               std::string(24 - static_cast<std::size_t>(row.size), '?'));
 }
 
-TEST(HookedStrings, AreLeftAloneOnRequest) {
-    expect_passes_alone("HookedStrings.DISABLED_AreLeftAloneOnRequest");
-}
-TEST(HookedStrings, DISABLED_AreLeftAloneOnRequest) {
+TEST_ALONE(HookedStrings, AreLeftAloneOnRequest) {
     const FruitModule fruit(kFruit);
     HMODULE const module = fruit.get();
     wchar_t wide[16] = {};
@@ -179,10 +174,7 @@ TEST(HookedStrings, DISABLED_AreLeftAloneOnRequest) {
 }
 
 // Strings ask again until the translation fits, and never read past what was copied.
-TEST(HookedStrings, LoadThemselvesWhateverTheLength) {
-    expect_passes_alone("HookedStrings.DISABLED_LoadThemselvesWhateverTheLength");
-}
-TEST(HookedStrings, DISABLED_LoadThemselvesWhateverTheLength) {
+TEST_ALONE(HookedStrings, LoadThemselvesWhateverTheLength) {
     const std::string twice_the_room(600, 'x');
     const std::string longest(8190, 'y');
     const FruitModule fruit(pair_lines("Pear", twice_the_room) + pair_lines("Fig", longest));
@@ -209,10 +201,7 @@ bool has(const void* data, std::size_t size, const wchar_t* text) {
            bytes.npos;
 }
 
-TEST(HookedResources, DialogTemplatesAreServedTranslated) {
-    expect_passes_alone("HookedResources.DISABLED_DialogTemplatesAreServedTranslated");
-}
-TEST(HookedResources, DISABLED_DialogTemplatesAreServedTranslated) {
+TEST_ALONE(HookedResources, DialogTemplatesAreServedTranslated) {
     const FruitModule fruit(kFruit + in_context(1, "5", "Apple", "Boskop") +
                             in_context(1, "CELLAR", "Apple", "Most"));
     HMODULE const module = fruit.get();

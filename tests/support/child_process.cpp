@@ -21,7 +21,7 @@ ChildProcess::ChildProcess(const char* test, const std::wstring& argument) {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     SetEnvironmentVariableW(kArgument, argument.c_str());
-    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED,
+    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
                                         nullptr, nullptr, &start, &process_);
     SetEnvironmentVariableW(kArgument, nullptr);
     if (!started) {
@@ -66,4 +66,8 @@ void child_ready() {
     const HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, ready_name(GetCurrentProcessId()).c_str());
     SetEvent(ready);
     CloseHandle(ready);
+}
+
+void expect_passes_alone(const char* test, int row) {
+    EXPECT_EQ(ChildProcess(test, std::to_wstring(row)).exit_code(), 0u) << test << ", row " << row;
 }

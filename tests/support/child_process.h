@@ -1,6 +1,8 @@
 // A second process: this test program again, with one of its tests whose names begin with DISABLED_.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 #include <windows.h>
@@ -24,3 +26,11 @@ private:
 
 std::wstring child_argument();
 void child_ready();
+
+// Runs the test in a second process and expects it to pass.
+void expect_passes_alone(const char* test, int row = 0); // which is the argument
+
+// A test with a process of its own, in which nothing was loaded before.
+#define TEST_ALONE(suite, name)                                                                              \
+    TEST(suite, name) { expect_passes_alone(#suite ".DISABLED_" #name); }                                    \
+    TEST(suite, DISABLED_##name)

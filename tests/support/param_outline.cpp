@@ -70,13 +70,15 @@ int get_int(IParam& node, const char* name) {
     return node.GetValue(name, &value) != 0 && value.vt == QZVT_INT ? value.intVal : kNoValue;
 }
 
-std::string run_steps(IParam& root, const std::vector<Step>& steps) {
-    std::string done;
+void run_steps(IParam& root, const std::string& steps) {
     int number = 0;
-    for (const auto& [what, text] : steps) {
+    for (std::size_t at = 0; at < steps.size();) {
+        const std::size_t end = std::min(steps.find("; ", at), steps.size());
+        const std::string step = steps.substr(at, end - at);
+        const std::string what = step.substr(0, step.find(' '));
+        const std::string text = step.substr(std::min(what.size() + 1, step.size()));
         const char* const name = text.c_str();
         ++number;
-        done += what + " " + text + "; ";
         if (what == "set")
             set_int(root, name, number);
         else if (what == "put")
@@ -95,11 +97,11 @@ std::string run_steps(IParam& root, const std::vector<Step>& steps) {
             CQZRef<IParam>::Adopt(root.OpenSubParam(name, 0));
         else
             ADD_FAILURE() << "no step is called " << what;
+        at = end + 2;
     }
-    return done;
 }
 
-CQZRef<IParam> memory_tree(const std::vector<Step>& steps) {
+CQZRef<IParam> memory_tree(const std::string& steps) {
     auto root = CQZRef<IParam>::Adopt(new_MemParam());
     run_steps(*root, steps);
     return root;

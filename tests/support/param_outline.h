@@ -22,16 +22,10 @@ void set_int(IParam& node, const char* name, int value);
 constexpr int kNoValue = -99999;
 int get_int(IParam& node, const char* name); // kNoValue when it is not there or no integer
 
-// One operation: "create" (CreateSubParam), "make" (OpenSubParam, creating), "open" (not creating), "set" (an
-// integer value, the number of the step from 1 on), "put" (the same in the node that the path opens),
-// "clear", "delete" (DeleteValue), "drop" (DeleteSubParam).
-struct Step {
-    std::string what;
-    std::string name;
-};
-
-// Returns the steps in one line, for messages.
-std::string run_steps(IParam& root, const std::vector<Step>& steps);
+// Operations with their names, as in "create a; set a\\v": "create" (CreateSubParam), "make" (OpenSubParam,
+// creating), "open" (not creating), "set" (an integer value, the number of the step from 1 on), "put" (the
+// same in the node that the path opens), "clear", "delete" (DeleteValue), "drop" (DeleteSubParam).
+void run_steps(IParam& root, const std::string& steps);
 
 // A tree of its own.
-CQZRef<IParam> memory_tree(const std::vector<Step>& steps = {});
+CQZRef<IParam> memory_tree(const std::string& steps = "");

@@ -4,6 +4,7 @@
 
 #include "supp/dictionary_files.h"
 #include "supp/fruit_module.h"
+#include "support/child_process.h"
 
 #include <gtest/gtest.h>
 
@@ -40,10 +41,7 @@ std::wstring describe(HMENU menu) {
     return all;
 }
 
-TEST(HookedMenus, AreTranslatedWithTheirStates) {
-    expect_passes_alone("HookedMenus.DISABLED_AreTranslatedWithTheirStates");
-}
-TEST(HookedMenus, DISABLED_AreTranslatedWithTheirStates) {
+TEST_ALONE(HookedMenus, AreTranslatedWithTheirStates) {
     const FruitModule fruit(kFruit + in_context(2, "7", "Fruit", "Obst") +
                             in_context(2, "ORCHARD", "Pear", "Birnbaum"));
     HMODULE const module = fruit.get();
@@ -138,10 +136,7 @@ private:
 
 std::vector<std::wstring> four_times(const std::wstring& text) { return {text, text, text, text}; }
 
-TEST(HookedDialogs, OfBothLayoutsAreTranslated) {
-    expect_passes_alone("HookedDialogs.DISABLED_OfBothLayoutsAreTranslated");
-}
-TEST(HookedDialogs, DISABLED_OfBothLayoutsAreTranslated) {
+TEST_ALONE(HookedDialogs, OfBothLayoutsAreTranslated) {
     const FruitModule fruit(kFruit + in_context(1, "5", "Apple", "Boskop") +
                             in_context(1, "CELLAR", "Apple", "Most"));
     HMODULE const module = fruit.get();
@@ -193,10 +188,7 @@ LRESULT CALLBACK edit_with_data(HWND window, UINT message, WPARAM w, LPARAM l) {
     return CallWindowProcW(edit_procedure, window, message, w, l);
 }
 
-TEST(HookedDialogs, KeepPlacesCreationDataAndStoredSizes) {
-    expect_passes_alone("HookedDialogs.DISABLED_KeepPlacesCreationDataAndStoredSizes");
-}
-TEST(HookedDialogs, DISABLED_KeepPlacesCreationDataAndStoredSizes) {
+TEST_ALONE(HookedDialogs, KeepPlacesCreationDataAndStoredSizes) {
     HWND const any =
         CreateWindowExW(0, L"EDIT", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
     edit_procedure = reinterpret_cast<WNDPROC>(
@@ -226,9 +218,9 @@ TEST(HookedDialogs, DISABLED_KeepPlacesCreationDataAndStoredSizes) {
 
     // Twice as large and wide, in the units of the dialog: the template says 120, 60 and 50, 14.
     const DictionaryFiles files;
-    files.write("sizes.dlg",
-                "[\\Dialogs\\mfc140u.dll#1#CELLAR\\Dialog Size]\r\n0=t0,0,240,120\r\n202=t5,20,105,34\r\n");
-    EXPECT_EQ(Supp_AddWld(files.write("sizes.wld", "").c_str()), 1);
+    files.file(L"sizes.dlg",
+               "[\\Dialogs\\mfc140u.dll#1#CELLAR\\Dialog Size]\r\n0=t0,0,240,120\r\n202=t5,20,105,34\r\n");
+    EXPECT_EQ(Supp_AddWld(files.file(L"sizes.wld", "").c_str()), 1);
     const RECT larger = create(calls.CreateDialogParamW);
     EXPECT_NEAR(larger.right, 2 * size.right, 1);
     EXPECT_NEAR(larger.bottom, 2 * size.bottom, 1);
@@ -239,11 +231,12 @@ TEST(HookedDialogs, DISABLED_KeepPlacesCreationDataAndStoredSizes) {
 
 // --- message boxes
 
-struct Box {
-    std::wstring caption;
-    std::wstring text;
-};
-Box last_box;
+std::wstring last_box; // its text and its caption
+
+std::wstring shown(int answer) {
+    EXPECT_EQ(answer, IDOK);
+    return std::exchange(last_box, {});
+}
 
 // Reads a message box as it opens and presses its button.
 LRESULT CALLBACK read_box(int code, WPARAM w, LPARAM l) {
@@ -251,14 +244,13 @@ LRESULT CALLBACK read_box(int code, WPARAM w, LPARAM l) {
     if (code == HCBT_ACTIVATE && GetDlgItem(window, 0xFFFF) != nullptr) {
         wchar_t text[2000] = {};
         GetWindowTextW(GetDlgItem(window, 0xFFFF), text, 2000);
-        last_box = {text_of(window), text};
+        last_box = std::wstring(text) + L"|" + text_of(window);
         PostMessageW(window, WM_COMMAND, IDOK, 0);
     }
     return CallNextHookEx(nullptr, code, w, l);
 }
 
-TEST(HookedMessageBoxes, AreTranslated) { expect_passes_alone("HookedMessageBoxes.DISABLED_AreTranslated"); }
-TEST(HookedMessageBoxes, DISABLED_AreTranslated) {
+TEST_ALONE(HookedMessageBoxes, AreTranslated) {
     const FruitModule fruit(kFruit + pair_lines("Error", "Fehler"));
     HMODULE const module = fruit.get();
     const Calls calls = fruit.calls();
@@ -274,56 +266,26 @@ TEST(HookedMessageBoxes, DISABLED_AreTranslated) {
     };
     const std::string longer(1500, 'x');
     const std::wstring cut(1023, L'x');
-    const struct {
-        const char* name;
-        int (*show)(const Calls&, const char*, const char*);
-        const char* text;
-        const char* caption;
-        std::wstring shown_text;
-        const wchar_t* shown_caption;
-    } rows[] = {
-        {"both",
-         [](const Calls& c, const char* t, const char* n) { return c.MessageBoxA(nullptr, t, n, MB_OK); },
-         "Apple", "Pear", L"Apfel", L"Birne"},
-        {"no caption",
-         [](const Calls& c, const char* t, const char* n) { return c.MessageBoxA(nullptr, t, n, MB_OK); },
-         "Fig", nullptr, L"Fig", L"Fehler"},
-        {"a long text is cut",
-         [](const Calls& c, const char* t, const char* n) { return c.MessageBoxA(nullptr, t, n, MB_OK); },
-         longer.c_str(), "Pear", cut, L"Birne"},
-        {"with a language",
-         [](const Calls& c, const char* t, const char* n) {
-             return c.MessageBoxExA(nullptr, t, n, MB_OK, 0);
-         },
-         "Apple", nullptr, L"Apfel", L"Fehler"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(row.show(calls, row.text, row.caption), IDOK);
-        EXPECT_EQ(last_box.text, row.shown_text);
-        EXPECT_EQ(last_box.caption, row.shown_caption);
-    }
-    EXPECT_EQ(indirect("Apple", nullptr), IDOK);
-    EXPECT_EQ(last_box.text + L"|" + last_box.caption, L"Apfel|Fehler");
-    EXPECT_EQ(indirect(MAKEINTRESOURCEA(1), MAKEINTRESOURCEA(40)), IDOK); // texts of the module
-    EXPECT_EQ(last_box.text + L"|" + last_box.caption, L"Apfel|Fig");
+    EXPECT_EQ(shown(calls.MessageBoxA(nullptr, "Apple", "Pear", MB_OK)), L"Apfel|Birne");
+    EXPECT_EQ(shown(calls.MessageBoxA(nullptr, "Fig", nullptr, MB_OK)), L"Fig|Fehler");
+    EXPECT_EQ(shown(calls.MessageBoxA(nullptr, longer.c_str(), "Pear", MB_OK)), cut + L"|Birne");
+    EXPECT_EQ(shown(calls.MessageBoxExA(nullptr, "Apple", nullptr, MB_OK, 0)), L"Apfel|Fehler");
+    EXPECT_EQ(shown(indirect("Apple", nullptr)), L"Apfel|Fehler");
+    EXPECT_EQ(shown(indirect(MAKEINTRESOURCEA(1), MAKEINTRESOURCEA(40))), L"Apfel|Fig"); // of the module
 
     MSGBOXPARAMSW wide = {};
     wide.cbSize = sizeof wide;
     wide.lpszText = L"Apple";
     wide.lpszCaption = L"Pear";
-    EXPECT_EQ(MessageBoxInternalA(&wide, 1), IDOK);
-    EXPECT_EQ(last_box.text + L"|" + last_box.caption, L"Apple|Pear");
+    EXPECT_EQ(shown(MessageBoxInternalA(&wide, 1)), L"Apple|Pear");
     MSGBOXPARAMSA narrow = {};
     narrow.cbSize = sizeof narrow;
     narrow.lpszText = "Apple";
     narrow.lpszCaption = "Pear";
-    EXPECT_EQ(MessageBoxInternalA(&narrow, 0), IDOK);
-    EXPECT_EQ(last_box.text + L"|" + last_box.caption, L"Apple|Pear");
+    EXPECT_EQ(shown(MessageBoxInternalA(&narrow, 0)), L"Apple|Pear");
 
     Supp_SetTranslationEnable(0);
-    EXPECT_EQ(calls.MessageBoxA(nullptr, "Apple", "Pear", MB_OK), IDOK);
-    EXPECT_EQ(last_box.text + L"|" + last_box.caption, L"Apple|Pear");
+    EXPECT_EQ(shown(calls.MessageBoxA(nullptr, "Apple", "Pear", MB_OK)), L"Apple|Pear");
     UnhookWindowsHookEx(hook);
 }
 

@@ -1,5 +1,6 @@
 // Translating windows and menus: what a person would see is read back.
 #include "supp/dictionary_files.h"
+#include "support/child_process.h"
 
 #include "qzsupp.h"
 
@@ -51,10 +52,7 @@ private:
     int times_set_ = 0;
 };
 
-TEST(TranslateWindow, LeavesAllAloneWithoutDictionary) {
-    expect_passes_alone("TranslateWindow.DISABLED_LeavesAllAloneWithoutDictionary");
-}
-TEST(TranslateWindow, DISABLED_LeavesAllAloneWithoutDictionary) {
+TEST_ALONE(TranslateWindow, LeavesAllAloneWithoutDictionary) {
     const Window window(L"Open");
     EXPECT_EQ(Supp_Translate(window.handle()), 1);
     EXPECT_EQ(window.times_set(), 0);
