@@ -38,6 +38,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, ParamContract, FileTree);
 
 class StorageParam : public testing::Test {
 protected:
+    ScratchFolder folder; // goes after what is open in it
     StorageRef storage = memory_storage();
     CQZRef<IParam> root = tree_over(storage);
 };
@@ -148,7 +149,6 @@ TEST_F(StorageParam, AValueThatTheStorageRefusesIsToldNotLost) {
 }
 
 TEST_F(StorageParam, ClearAloneCommits) {
-    const ScratchFolder folder;
     const std::wstring path = folder.path(L"f");
     storage = StorageRef::Adopt(new_Storage(path.c_str(), QZSTORAGE_TRANSACTED));
     root = tree_over(storage);

@@ -13,9 +13,10 @@ class ScratchFolder {
 public:
     ScratchFolder() {
         static int number = 0;
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("qzr" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++number));
-        std::filesystem::create_directory(folder_);
+        do // a process that was ended may have left one, and its number serves another one some day
+            folder_ = std::filesystem::temp_directory_path() /
+                      ("qzr" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++number));
+        while (!std::filesystem::create_directory(folder_));
     }
     ~ScratchFolder() {
         std::error_code ignored;
