@@ -1,10 +1,21 @@
 #include "core/allocator.h"
 
 #include "core/library.h"
-
-#include <cstring>
+#include "core/move_bytes.h"
 
 namespace qzr {
+
+namespace {
+
+// Copies a kept block as a whole: its size is a multiple of sixteen.
+void move_block(void* to, const void* from, std::size_t size) noexcept {
+    auto* target = static_cast<__m128i*>(to);
+    const auto* source = static_cast<const __m128i*>(from);
+    for (const __m128i* const end = source + size / sizeof *source; source != end; ++source, ++target)
+        _mm_storeu_si128(target, _mm_loadu_si128(source));
+}
+
+} // namespace
 
 void* mem_alloc(std::size_t n) { return library().heaps.default_heap().Alloc(n); }
 
@@ -14,7 +25,7 @@ void mem_free(void* p) noexcept {
 
 char* mem_dup(const void* bytes, std::size_t n) {
     void* const copy = library().heaps.default_heap().alloc_unzeroed(n);
-    if (n != 0) std::memcpy(copy, bytes, n);
+    move_bytes(copy, bytes, n);
     return static_cast<char*>(copy);
 }
 
@@ -31,7 +42,7 @@ void* block_grow(void* p, std::size_t old_n, std::size_t n) {
     if (block_refits(old_n, n)) return p;
     if (!BlockCache::keeps(old_n)) return CHeap::stretch(p, BlockCache::rounded(n));
     void* const grown = block_alloc(n);
-    std::memcpy(grown, p, old_n);
+    move_block(grown, p, BlockCache::rounded(old_n));
     block_free(p, old_n);
     return grown;
 }

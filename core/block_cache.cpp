@@ -4,15 +4,20 @@
 
 namespace qzr {
 
-void BlockCache::clear() noexcept {
-    for (SizeClass& c : classes_) {
-        while (c.first != nullptr) {
-            FreeBlock* const block = c.first;
-            c.first = block->next;
-            CHeap::free_block(block);
-        }
-        c.count = 0;
+void BlockCache::List::clear() noexcept {
+    while (first != nullptr) {
+        FreeBlock* const block = first;
+        first = block->next;
+        CHeap::free_block(block);
     }
+    count = 0;
+}
+
+void BlockCache::clear() noexcept {
+    for (List& list : own_)
+        list.clear();
+    for (SharedList& shared : shared_)
+        shared.list.clear();
 }
 
 } // namespace qzr

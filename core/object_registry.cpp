@@ -6,9 +6,6 @@ namespace qzr {
 
 namespace {
 
-// Stands outside the registry, because modules still unregister their classes when it is gone.
-constinit bool open = false;
-
 QZObjectFactory find_export(HINSTANCE module, const char* name) {
     return reinterpret_cast<QZObjectFactory>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
@@ -24,15 +21,13 @@ CXString find_module_file(const char* dllpath) {
 
 } // namespace
 
-ObjectRegistry::ObjectRegistry() noexcept { open = true; }
+ObjectRegistry::ObjectRegistry() noexcept { open_ = true; }
 
 ObjectRegistry::~ObjectRegistry() {
-    open = false;
+    open_ = false;
     entries_.set_closing();
     entries_.take_all([](CRegistryEntry* entry) { block_delete(entry); });
 }
-
-bool ObjectRegistry::is_open() noexcept { return open; }
 
 int ObjectRegistry::add(const char* name, const char* dllpath) {
     const unsigned hash = hash_text(name);

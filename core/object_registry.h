@@ -27,7 +27,7 @@ public:
     ObjectRegistry& operator=(const ObjectRegistry&) = delete;
 
     // False before start-up and from unload on, whether or not there is a registry to ask.
-    static bool is_open() noexcept;
+    static bool is_open() noexcept { return open_; }
 
     int add(const char* name, const char* dllpath);
     int add(const char* name, HINSTANCE module);
@@ -48,6 +48,9 @@ private:
     QZObjectFactory load_factory(unsigned hash);
 
     static constexpr unsigned kBuckets = 117;
+
+    // Stands outside the registry, because modules still unregister their classes when it is gone.
+    static constinit inline bool open_ = false;
 
     HashMap<CRegistryEntry, kBuckets> entries_;
 };

@@ -151,12 +151,7 @@ const NameEntry* CMemParam::value_at(const char* path) const {
 int CMemParam::GetValue(const char* name, tagQZVARIANT* out) {
     const NameEntry* const entry = value_at(name);
     if (entry == nullptr) return 0;
-    if (is_plain(entry->value) && !owns_something(*out)) {
-        unpack_plain(entry->value, *out);
-        return 1;
-    }
-    const tagQZVARIANT value = borrowed(entry->value);
-    QZVariantCopy(out, &value);
+    copy_out(entry->value, *out);
     return 1;
 }
 

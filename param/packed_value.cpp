@@ -51,6 +51,20 @@ tagQZVARIANT borrowed(const PackedValue& packed) {
     return record;
 }
 
+void copy_out(const PackedValue& packed, tagQZVARIANT& record) {
+    if (is_plain(packed)) {
+        tagQZVARIANT fresh;
+        fresh.vt = packed.code;
+        char* const bytes = static_cast<char*>(payload(fresh));
+        std::memcpy(bytes, packed.bytes, PackedValue::kRoom);
+        std::memset(bytes + PackedValue::kRoom, 0, sizeof fresh.rrectVal - PackedValue::kRoom);
+        replace_value(record, fresh);
+        return;
+    }
+    const tagQZVARIANT value = borrowed(packed);
+    QZVariantCopy(&record, &value);
+}
+
 void release(const PackedValue& packed) {
     if (packed.code == PackedValue::kRecord)
         block_delete(packed.pointer<tagQZVARIANT>());

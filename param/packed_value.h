@@ -45,13 +45,9 @@ inline bool is_plain(const PackedValue& packed) {
     return packed.code < QZVT_COUNT && kVariantTypes[packed.code].ownership == Ownership::kNone;
 }
 
-// Writes a plain value over a record that owns nothing.
-inline void unpack_plain(const PackedValue& packed, tagQZVARIANT& record) {
-    char* const bytes = static_cast<char*>(payload(record));
-    record.vt = packed.code;
-    std::memcpy(bytes, packed.bytes, PackedValue::kRoom);
-    std::memset(bytes + PackedValue::kRoom, 0, sizeof record.rrectVal - PackedValue::kRoom);
-}
+// Puts a copy of the value in the place of what the record holds, as QZVariantCopy does. Throws
+// CXMemException, and the record is empty then.
+void copy_out(const PackedValue& packed, tagQZVARIANT& record);
 
 // Gives up what the value owns; its bytes stay as they are. release() lets pass what an object throws while
 // it is released, drop() does not.

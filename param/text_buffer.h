@@ -1,35 +1,13 @@
 // Where texts grow. Whole trees are written in pieces of a few bytes, so appending one costs no call.
 #pragma once
 
+#include "core/move_bytes.h"
+
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
 namespace qzr {
-
-// Moves n bytes; the areas may overlap. Up to 16 bytes, as most names and values are, it is two loads and two
-// stores, the loads first.
-inline void move_bytes(char* to, const char* from, std::size_t n) {
-    const auto move_ends = [&](auto end) {
-        auto last = end;
-        std::memcpy(&end, from, sizeof end);
-        std::memcpy(&last, from + n - sizeof last, sizeof last);
-        std::memcpy(to, &end, sizeof end);
-        std::memcpy(to + n - sizeof last, &last, sizeof last);
-    };
-    if (n > 16) {
-        std::memmove(to, from, n);
-    } else if (n >= 8) {
-        move_ends(std::size_t{});
-    } else if (n >= 4) {
-        move_ends(unsigned{});
-    } else if (n >= 2) {
-        move_ends(static_cast<unsigned short>(0));
-    } else if (n == 1) {
-        *to = *from;
-    }
-}
 
 // A text below 2 GiB. Growing throws std::bad_alloc, or std::length_error when the text would get too long.
 class TextBuffer {

@@ -64,9 +64,8 @@ void adopt_ascii(const char* text, std::size_t n, CXStringW& out) {
 
 void narrow_to_wide(const char* text, unsigned code_page, CXStringW& out) {
     if (text == nullptr || *text == 0) return CXStringAccess::clear(out);
-    const std::size_t length = text_length(text);
-    if (keeps_ascii(code_page) && skip_ascii(text, text + length) == text + length)
-        return adopt_ascii(text, length, out);
+    const auto [length, ascii] = measure_text(text);
+    if (ascii && keeps_ascii(code_page)) return adopt_ascii(text, length, out);
     if (length >= INT_MAX) throw CXMemException();
     // With the terminator, since a lead byte before it must not count as cut short.
     const int bytes = static_cast<int>(length) + 1;
@@ -87,8 +86,8 @@ void narrow_to_wide(const char* text, unsigned code_page, CXStringW& out) {
 
 void wide_to_narrow(const wchar_t* text, CXString& out) {
     if (text == nullptr || *text == 0) return CXStringAccess::clear(out);
-    const std::size_t length = text_length(text);
-    if (skip_ascii(text, text + length) == text + length) {
+    const auto [length, ascii] = measure_text(text);
+    if (ascii) {
         char* const fresh = new_text<char>(std::uint64_t{length} + 1);
         narrow_ascii(text, length, fresh);
         fresh[length] = 0;

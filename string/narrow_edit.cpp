@@ -20,9 +20,14 @@ struct ByteRange {
 };
 
 ByteRange bytes_of(const char* text, int pos, int count) {
-    const std::size_t length = text_length(text);
+    const auto [length, ascii] = measure_text(text);
+    if (ascii) {
+        const Range range = range_of(static_cast<std::int64_t>(length), pos, count);
+        return {length, static_cast<std::size_t>(range.first),
+                static_cast<std::size_t>(range.last - range.first)};
+    }
     const char* const end = text + length;
-    const LeadBytes leads = lead_bytes_in(text, end);
+    const LeadBytes leads = lead_bytes();
     const Range range = range_of(static_cast<std::int64_t>(mb_count(text, end, leads)), pos, count);
     const char* const first = mb_advance(text, end, range.first, leads);
     const char* const last = mb_advance(first, end, range.last - range.first, leads);
@@ -65,7 +70,7 @@ void map_beyond_ascii(char* text, char* end, Map map) {
 
 CXString& CXString::Insert(int pos, const char* s) {
     if (s == nullptr || *s == 0) return *this;
-    const std::size_t length = GetSize();
+    const std::size_t length = text_length(m_pszData);
     const std::size_t added = text_length(s);
     const std::size_t at = bytes_before(m_pszData, length, static_cast<unsigned>(pos));
     edit_text<char>(m_pszData, {length, at, 0, s, added, std::uint64_t{length} + added + 1});
@@ -105,7 +110,7 @@ int CXString::Extract(int pos, int count, CXString& out) const {
 }
 
 void CXString::TrimLeft() {
-    const std::size_t length = GetSize();
+    const std::size_t length = text_length(m_pszData);
     std::size_t spaces = 0;
     while (is_space(m_pszData[spaces]))
         ++spaces;
@@ -114,11 +119,11 @@ void CXString::TrimLeft() {
 }
 
 void CXString::TrimRight() {
-    const std::size_t length = GetSize();
+    const auto [length, ascii] = measure_text(m_pszData);
+    const LeadBytes leads = ascii ? LeadBytes() : lead_bytes();
     const char* end = m_pszData + length;
-    const LeadBytes leads = lead_bytes_in(m_pszData, end);
     while (end != m_pszData) {
-        const char* const last = mb_last(m_pszData, end, leads);
+        const char* const last = ascii ? end - 1 : mb_last(m_pszData, end, leads);
         if (!is_space(*last)) break;
         end = last;
     }
@@ -129,7 +134,7 @@ void CXString::TrimRight() {
 
 // Room for a mapping that lengthens the text.
 void CXString::Upper() {
-    const std::size_t length = GetSize();
+    const std::size_t length = text_length(m_pszData);
     if (length == 0) return;
     reserve_text(m_pszData, std::uint64_t{length} * 2 + 2);
     char* const end = m_pszData + length;
@@ -139,7 +144,7 @@ void CXString::Upper() {
 }
 
 void CXString::Lower() {
-    const std::size_t length = GetSize();
+    const std::size_t length = text_length(m_pszData);
     if (length == 0) return;
     reserve_text(m_pszData, std::uint64_t{length} * 2 + 2);
     char* const end = m_pszData + length;

@@ -1,6 +1,6 @@
-// Scanning text in blocks of 16 bytes. Lengths and ends are in units; a block is read only when it lies
-// within the given bounds or, for a text without a known end, within the aligned block of a byte known to
-// exist.
+// Scanning text in blocks of 16 bytes, or lines of 64. Lengths and ends are in units; a block is read only
+// when it lies within the given bounds or, for a text without a known end, within the aligned line of a byte
+// known to exist.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +14,14 @@ std::size_t text_length(const wchar_t* text) noexcept;
 // As above, looking at `limit` units at most.
 std::size_t text_length(const char* text, std::size_t limit) noexcept;
 std::size_t text_length(const wchar_t* text, std::size_t limit) noexcept;
+
+// The length, and whether all units are ASCII: one pass for what many operations want to know first.
+struct MeasuredText {
+    std::size_t length;
+    bool ascii;
+};
+MeasuredText measure_text(const char* text) noexcept;
+MeasuredText measure_text(const wchar_t* text) noexcept;
 
 // The first occurrence in [begin, end), or null.
 const char* find_byte(const char* begin, const char* end, char c) noexcept;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "core/allocator.h"
+#include "core/move_bytes.h"
 #include "qzexception.h"
 #include "string/scan.h"
 
@@ -85,12 +86,12 @@ void zero_rest(Unit* text, std::size_t from) noexcept {
 
 template <class Unit>
 void copy_units(Unit* to, const Unit* from, std::size_t units) noexcept {
-    if (units != 0) std::memcpy(to, from, units * sizeof(Unit));
+    move_bytes(to, from, units * sizeof(Unit));
 }
 
 // A block of `units` units whose text is a copy of `length` of them; the rest is zero.
 template <class Unit>
-Unit* new_text_copy(const Unit* from, std::size_t length, std::uint64_t units) {
+[[gnu::noinline]] Unit* new_text_copy(const Unit* from, std::size_t length, std::uint64_t units) {
     Unit* const text = new_text<Unit>(units);
     header_of(text)->length = static_cast<int>(length);
     copy_units(text, from, length);
@@ -202,27 +203,11 @@ struct TextEdit {
 };
 
 template <class Unit>
-void edit_text(Unit*& text, const TextEdit<Unit>& e) {
+[[gnu::noinline]] void edit_into_new_block(Unit*& text, const TextEdit<Unit>& e, bool keeps_capacity) {
     const std::size_t tail_at = e.at + e.removed;
     const std::size_t tail = e.length - tail_at;
     const std::size_t result = e.at + e.added + tail;
-    const std::size_t capacity = capacity_units(text);
-    const bool grows = e.room > capacity;
-    const bool shrinks = e.exact && e.room < capacity;
-    const bool reads_itself = e.added != 0 && reads_text(text, e.s);
-    if (owns_block(text) && !reads_itself && (!shrinks || refits_text(text, e.room))) {
-        if (grows) stretch_text(text, e.room);
-        if (tail != 0) std::memmove(text + e.at + e.added, text + tail_at, tail * sizeof(Unit));
-        copy_units(text + e.at, e.s, e.added);
-        text[result] = 0;
-        if (!grows && !shrinks) return;
-        set_capacity(text, e.room);
-        zero_rest(text, result);
-        header_of(text)->length = static_cast<int>(result);
-        return;
-    }
-    const bool keeps_capacity = is_private(text) && !grows && !shrinks;
-    Unit* const fresh = new_text<Unit>(keeps_capacity ? capacity : e.room);
+    Unit* const fresh = new_text<Unit>(keeps_capacity ? capacity_units(text) : e.room);
     copy_units(fresh, text, e.at);
     copy_units(fresh + e.at, e.s, e.added);
     copy_units(fresh + e.at + e.added, text + tail_at, tail);
@@ -231,12 +216,35 @@ void edit_text(Unit*& text, const TextEdit<Unit>& e) {
     replace_text(text, fresh);
 }
 
+template <class Unit>
+void edit_text(Unit*& text, const TextEdit<Unit>& e) {
+    const std::size_t capacity = capacity_units(text);
+    const bool grows = e.room > capacity;
+    const bool shrinks = e.exact && e.room < capacity;
+    const bool reads_itself = e.added != 0 && reads_text(text, e.s);
+    if (!owns_block(text) || reads_itself || (shrinks && !refits_text(text, e.room))) {
+        edit_into_new_block(text, e, is_private(text) && !grows && !shrinks);
+        return;
+    }
+    if (grows) stretch_text(text, e.room);
+    const std::size_t tail_at = e.at + e.removed;
+    const std::size_t tail = e.length - tail_at;
+    const std::size_t result = e.at + e.added + tail;
+    if (tail != 0) move_bytes(text + e.at + e.added, text + tail_at, tail * sizeof(Unit));
+    copy_units(text + e.at, e.s, e.added);
+    text[result] = 0;
+    if (!grows && !shrinks) return;
+    set_capacity(text, e.room);
+    zero_rest(text, result);
+    header_of(text)->length = static_cast<int>(result);
+}
+
 // Appends at `at`, dropping what followed.
 template <class Unit>
 void overwrite_text(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
     const std::uint64_t room = std::uint64_t{at} + n + 1;
     if (is_private(text) && room <= capacity_units(text)) {
-        if (n != 0) std::memmove(text + at, s, n * sizeof(Unit));
+        move_bytes(text + at, s, n * sizeof(Unit));
         text[at + n] = 0;
         return;
     }
@@ -257,7 +265,7 @@ void overwrite_text(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
 
 // Both texts in one block of exactly their length; two empty ones need none.
 template <class Unit>
-Unit* join_texts(const Unit* a, std::size_t a_length, const Unit* b, std::size_t b_length) {
+[[gnu::noinline]] Unit* join_texts(const Unit* a, std::size_t a_length, const Unit* b, std::size_t b_length) {
     const std::uint64_t length = std::uint64_t{a_length} + b_length;
     if (length == 0) return empty_text<Unit>();
     Unit* const text = new_text<Unit>(length + 1);
