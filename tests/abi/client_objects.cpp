@@ -52,32 +52,3 @@ int ClientStream::WriteVariant(const tagQZVARIANT* v) {
 void ClientStream::WriteString(const char* text) {
     Write(text, static_cast<unsigned>(std::strlen(text)) + 1);
 }
-
-int ClientNames::Next(int count, const char** items, unsigned* fetched) {
-    unsigned given = 0;
-    for (; count > 0 && next_ < names_.size(); --count)
-        items[given++] = names_[next_++].c_str();
-    if (fetched != nullptr) *fetched = given;
-    return given != 0 ? 1 : 0;
-}
-
-int ClientNames::Skip(unsigned count) {
-    next_ += count;
-    return 1;
-}
-
-IParam* ClientParam::OpenSubParam(const char* name, int create) {
-    auto found = children.find(name);
-    if (found == children.end()) {
-        if (create == 0) return nullptr;
-        found = children.emplace(name, CQZRef<IParam>::Adopt(new ClientParam)).first;
-    }
-    return CQZRef<IParam>(found->second).Detach();
-}
-
-int ClientParam::GetValue(const char* name, tagQZVARIANT* out) {
-    const auto found = values.find(name);
-    if (found == values.end()) return 0;
-    QZVariantCopy(out, &found->second);
-    return 1;
-}

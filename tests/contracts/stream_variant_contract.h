@@ -131,23 +131,6 @@ TYPED_TEST_P(StreamVariantContract, EachTypeHasItsBytes) {
     }
 }
 
-TYPED_TEST_P(StreamVariantContract, VariantsFollowEachOther) {
-    std::string all;
-    const auto rows = stream_contract::stored_variants();
-    for (const auto& row : rows) {
-        this->stream->WriteVariant(&row.value);
-        all += test::from_hex(row.bytes);
-    }
-    EXPECT_EQ(this->content(), test::to_hex(all));
-    this->stream->Seek(0, 0);
-    for (const auto& row : rows) {
-        CQZVariant back;
-        this->stream->ReadVariant(&back);
-        EXPECT_EQ(back.vt, row.value.vt) << row.name;
-    }
-    EXPECT_EQ(this->stream->GetPosition(), all.size());
-}
-
 TYPED_TEST_P(StreamVariantContract, AWideTextIsCountedByTheKindOfStream) {
     struct Row {
         const wchar_t* text;
@@ -205,14 +188,7 @@ TYPED_TEST_P(StreamVariantContract, AnInvalidTypeIsACodeWithoutValue) {
         EXPECT_EQ(s->GetSize(), 2u);
         s->Seek(0, 0);
         CQZVariant back(5);
-        try {
-            s->ReadVariant(&back);
-            ADD_FAILURE() << "no exception";
-        } catch (const CXFileException& e) {
-            EXPECT_EQ(e.m_nCode, 15u);
-            EXPECT_EQ(e.m_nOperation, 1u);
-            EXPECT_STREQ(e.m_pszFileName, TypeParam::kName);
-        }
+        EXPECT_EQ(failure_of([&] { s->ReadVariant(&back); }), failure(15, 1, TypeParam::kName));
         EXPECT_EQ(back.vt, 0) << "nobody takes it for a value";
     }
 }
@@ -246,6 +222,8 @@ TYPED_TEST_P(StreamVariantContract, MalformedValues) {
         {"1100 04000000", "0, 17 4: 00 00 00 00"},
         {"1100 00200000 01", "1, 17 8192: 01 00 00 00"},
         {"1100 ffffffff 01", "failure 2, 17 0: "}, // 4 GiB announced
+        {"0a00 00000070 787900", "1, 10 \"xy\""},
+        {"1100 00000070 7879", "failure 2, 17 0: "},
         {"1100 02000004 01", "failure 2, 17 0: "}, // a byte more than 64 MiB beyond the end
         {"1200", "failure 4, 18 null"},
         {"1200 00", "0, 18 null"},
@@ -254,20 +232,14 @@ TYPED_TEST_P(StreamVariantContract, MalformedValues) {
         {"1200 'NoSuchClass' 00 04000000 'abc'", "failure 16, 18 null"},
         {"1200 'NoSuchClass' 00 04000000 'abcd'", "1, 18 object"},
     };
+    unsigned long long before = 0, after = 0;
+    Get_CoreActivity(&before, nullptr);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.bytes);
         EXPECT_EQ(this->read(row.bytes), row.expected);
     }
-}
-
-TYPED_TEST_P(StreamVariantContract, AHostileCountAllocatesNoMoreThanIsThere) {
-    unsigned long long before = 0, after = 0;
-    Get_CoreActivity(&before, nullptr);
-    EXPECT_EQ(this->read("0a00 00000070 787900"), "1, 10 \"xy\"");
-    EXPECT_EQ(this->read("1300 00000070 780079000000"), "1, 19 L\"xy\"");
-    EXPECT_EQ(this->read("1100 00000070 7879"), "failure 2, 17 0: ");
     Get_CoreActivity(&after, nullptr);
-    EXPECT_LT(after - before, 1u << 20);
+    EXPECT_LT(after - before, 1u << 20) << "no more is allocated than there is";
 }
 
 TYPED_TEST_P(StreamVariantContract, CutAtAnyByteNothingLeaks) {
@@ -316,15 +288,10 @@ TYPED_TEST_P(StreamVariantContract, ObjectsTravelByTheirClassName) {
         EXPECT_EQ(copy->text, "abc");
     }
     EXPECT_EQ(PersistentNote::live, 0);
+    const CQZVariant mute(static_cast<IQZUnknown*>(this->stream.Get())); // cannot save itself
+    EXPECT_EQ(this->written(mute), "12 00 00");
 }
 
-TYPED_TEST_P(StreamVariantContract, AnObjectThatCannotSaveItselfIsWrittenAsNull) {
-    const auto other = this->another();
-    EXPECT_EQ(this->written(CQZVariant(static_cast<IQZUnknown*>(other.Get()))), "12 00 00");
-}
-
-REGISTER_TYPED_TEST_SUITE_P(StreamVariantContract, EachTypeHasItsBytes, VariantsFollowEachOther,
-                            AWideTextIsCountedByTheKindOfStream, LongValuesAreWhole,
-                            AnInvalidTypeIsACodeWithoutValue, MalformedValues,
-                            AHostileCountAllocatesNoMoreThanIsThere, CutAtAnyByteNothingLeaks,
-                            ObjectsTravelByTheirClassName, AnObjectThatCannotSaveItselfIsWrittenAsNull);
+REGISTER_TYPED_TEST_SUITE_P(StreamVariantContract, EachTypeHasItsBytes, AWideTextIsCountedByTheKindOfStream,
+                            LongValuesAreWhole, AnInvalidTypeIsACodeWithoutValue, MalformedValues,
+                            CutAtAnyByteNothingLeaks, ObjectsTravelByTheirClassName);

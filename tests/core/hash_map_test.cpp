@@ -113,14 +113,11 @@ TEST(HashMap, FindsTheNewestOfEqualHashes) {
             Node nodes[4];
             for (Node& node : nodes)
                 map.insert(&node, hash);
-            EXPECT_EQ(map.find(hash), &nodes[3]);
-            map.remove(&nodes[1]);
-            EXPECT_EQ(map.find(hash), &nodes[3]);
-            map.remove(&nodes[3]);
-            EXPECT_EQ(map.find(hash), &nodes[2]);
-            map.remove(&nodes[2]);
-            EXPECT_EQ(map.find(hash), &nodes[0]);
-            map.remove(&nodes[0]);
+            const int removed[] = {1, 3, 2, 0}, newest[] = {3, 3, 2, 0};
+            for (int i = 0; i < 4; ++i) {
+                EXPECT_EQ(map.find(hash), &nodes[newest[i]]);
+                map.remove(&nodes[removed[i]]);
+            }
             EXPECT_EQ(map.find(hash), nullptr);
             EXPECT_EQ(map.size(), others);
             empty(map);

@@ -55,19 +55,12 @@ public:
         if (known && out != nullptr) AddRef();
         return known ? 1 : 0;
     }
-    void OnServiceAdded(IQZServiceContainer* container) override {
-        ++added;
-        if (when_added) when_added(*container);
-    }
-    void OnServiceRemoved(IQZServiceContainer* container) override {
-        ++removed;
-        if (when_removed) when_removed(*container);
-    }
+    void OnServiceAdded(IQZServiceContainer* container) override { ++added, when_added(*container); }
+    void OnServiceRemoved(IQZServiceContainer* container) override { ++removed, when_removed(*container); }
 
     unsigned references = 1; // the test's own
-    int added = 0;
-    int removed = 0;
-    std::function<void(IQZServiceContainer&)> when_added, when_removed;
+    int added = 0, removed = 0;
+    std::function<void(IQZServiceContainer&)> when_added = [](auto&) {}, when_removed = when_added;
 };
 
 TEST(ServiceContainer, KeepsServicesByName) {
@@ -111,23 +104,6 @@ TEST(ServiceContainer, NamesAreTheSameWhenTheirHashesAre) {
     EXPECT_THAT(names_in(*container), ElementsAre("SharpPageReaderA"));
     EXPECT_EQ(container->RemoveService("FullChartObject3"), 1);
     EXPECT_EQ(first.references, 1u);
-}
-
-TEST(ServiceContainer, HoldsManyServices) {
-    CountingObject object;
-    const auto container = make_container();
-    const auto name = [](int i) { return "service " + std::to_string(i); };
-    constexpr int kServices = 3000;
-    for (int i = 0; i < kServices; ++i)
-        ASSERT_EQ(container->AddService(name(i).c_str(), &object), 1) << i;
-    for (int i = 0; i < kServices; i += 3)
-        ASSERT_EQ(container->RemoveService(name(i).c_str()), 1) << i;
-    for (int i = 0; i < kServices; ++i)
-        ASSERT_EQ(container->GetService(name(i).c_str(), nullptr), i % 3 != 0 ? 1 : 0) << i;
-    EXPECT_EQ(names_in(*container).size(), 2000u);
-    EXPECT_EQ(object.references, 2001u);
-    container->RemoveAllServices();
-    EXPECT_EQ(object.references, 1u);
 }
 
 // ---- sinks
@@ -193,7 +169,7 @@ TEST(ServiceSink, ThatThrowsLeavesTheContainerUsable) {
     const auto container = make_container();
     container->AddService("a", &sink);
     EXPECT_THROW(container->RemoveAllServices(), int);
-    sink.when_removed = nullptr;
+    sink.when_removed = sink.when_added;
     container->RemoveAllServices();
     EXPECT_EQ(sink.removed, 2);
     EXPECT_EQ(sink.references, 1u);
@@ -275,6 +251,8 @@ TEST_F(ServiceEnum, StartsOverAfterRunningOffTheEnd) {
         items[1]->Release();
     }
     EXPECT_EQ(walk->Next(1, nullptr, &fetched), 0);
+    EXPECT_EQ(container->EnumServices(typeid(IQZUnknown), nullptr), 0);
+    EXPECT_EQ(container->EnumServiceNames(nullptr), 0);
 }
 
 TEST_F(ServiceEnum, SurvivesChangesUnderIt) {
@@ -304,33 +282,14 @@ TEST_F(ServiceEnum, SurvivesChangesUnderIt) {
     EXPECT_STREQ(name, "s599");
 }
 
-TEST_F(ServiceEnum, NeedsAnOut) {
-    EXPECT_EQ(container->EnumServices(typeid(IQZUnknown), nullptr), 0);
-    EXPECT_EQ(container->EnumServiceNames(nullptr), 0);
-}
-
 // ---- the factory
-
-TEST(ServiceContainerFactory, AnswersForItsInterfaces) {
-    struct Row {
-        const std::type_info& iid;
-        int result;
-    };
-    for (const Row& row :
-         {Row{typeid(IQZUnknown), 1}, Row{typeid(IQZServiceContainer), 1}, Row{typeid(IQZServiceSink), 0}}) {
-        SCOPED_TRACE(row.iid.name());
-        auto* out = reinterpret_cast<IQZUnknown*>(1);
-        EXPECT_EQ(CLSID_OFSERVICECONTAINER(nullptr, row.iid, &out), row.result);
-        EXPECT_EQ(out != nullptr, row.result != 0);
-        if (out != nullptr) {
-            EXPECT_EQ(out->Release(), 0u);
-        }
-    }
-}
 
 TEST(ServiceContainerFactory, AggregatesIntoAnOuterObject) {
     CountingObject outer;
     auto* out = reinterpret_cast<IQZUnknown*>(1);
+    EXPECT_EQ(CLSID_OFSERVICECONTAINER(nullptr, typeid(IQZServiceSink), &out), 0);
+    EXPECT_EQ(out, nullptr);
+    out = reinterpret_cast<IQZUnknown*>(1);
     EXPECT_EQ(CLSID_OFSERVICECONTAINER(&outer, typeid(IQZServiceContainer), &out), 0)
         << "only the controlling unknown can be had";
     EXPECT_EQ(out, nullptr);

@@ -184,12 +184,14 @@ TEST(Storage, AFileWhoseTablesAreDamagedDoesNotOpen) {
         const char* what;
         std::size_t at;
         unsigned number;
+        unsigned next = 0; // another number behind it; 0 for none
     };
     const Row rows[] = {
         {"sectors of another size", 30, 0x00060003},
         {"a sector table larger than the file", 44, 0x7FFFFFFF},
         {"a sector table behind the end", 76, 0x00FFFFFF},
         {"one more sector table behind the end", 80, 0x00FFFFFF},
+        {"a list of sector tables behind the end", 68, 0x00FFFFFF, 1},
         {"no directory", 48, 0xFFFFFFFF},
         {"a directory outside the table", 48, 0x00FFFFFF},
         {"a directory in a circle", table + number_at(48) * 4, number_at(48)},
@@ -201,12 +203,28 @@ TEST(Storage, AFileWhoseTablesAreDamagedDoesNotOpen) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         std::string damaged = sound;
-        damaged.replace(row.at, sizeof row.number, reinterpret_cast<const char*>(&row.number),
-                        sizeof row.number);
+        std::memcpy(&damaged[row.at], &row.number, row.next != 0 ? 8 : 4);
         const std::wstring path = folder.file(L"damaged", damaged);
         EXPECT_EQ(thrown_by([&] { open_Storage(path.c_str(), 0); }), "15, 0, " + narrow(path));
         EXPECT_EQ(thrown_by([&] { open_Storage(path.c_str(), 1); }), "15, 0, " + narrow(path));
     }
+}
+
+// Beyond 109 sectors of the sector table their list goes on in sectors of its own.
+TEST(Storage, AFileWithListsOfSectorTablesOpensUnlessTheyRunInACircle) {
+    const ScratchFolder folder;
+    const std::string bytes = pattern(8 << 20);
+    const std::wstring path = folder.path(L"large");
+    put_stream(*StorageRef::Adopt(new_Storage(path.c_str(), 0)), "s", bytes);
+    EXPECT_TRUE(get_stream(*StorageRef::Adopt(open_Storage(path.c_str(), 1)), "s") == bytes);
+    std::string file = folder.contents(L"large");
+    unsigned list = 0;
+    std::memcpy(&list, &file[68], sizeof list);
+    ASSERT_LT(list, file.size() / 512);
+    std::memcpy(&file[(list + 1) * 512 + 508], &list, sizeof list);
+    std::memset(&file[72], 0xFF, 4);
+    const std::wstring circle = folder.file(L"circle", file);
+    EXPECT_EQ(thrown_by([&] { open_Storage(circle.c_str(), 1); }), "15, 0, " + narrow(circle));
 }
 
 // With sectors of 512 bytes the high half of a stream's size is nothing.

@@ -10,30 +10,6 @@ namespace {
 constexpr char kMixed[] = "\x82\xA0x\x83\\y";
 constexpr char kLeadAtEnd[] = "ab\x83";
 
-TEST(NarrowAccess, CountsCharactersOfTheCodePage) {
-    const struct {
-        Page page;
-        const char* text;
-        unsigned length, size;
-    } rows[] = {
-        {Page::kAny, "", 0, 0},
-        {Page::kAny, "abc", 3, 3},
-        {Page::kAny, kLeadAtEnd, 3, 3},
-        {Page::kAny, "\x83", 1, 1},
-        {Page::kSingleByte, kMixed, 6, 6},
-        {Page::k932, kMixed, 4, 6},
-        {Page::k932, "\x81\x81\x81", 2, 3},
-        {Page::k932, "0123456789abcdef0123456789abcdef\x83\\0123456789abcdef", 49, 50},
-    };
-    for (const auto& row : rows) {
-        if (!applies(row.page)) continue;
-        SCOPED_TRACE(row.text);
-        const CXString s(row.text);
-        EXPECT_EQ(s.GetLength(), row.length);
-        EXPECT_EQ(s.GetSize(), row.size);
-    }
-}
-
 TEST(NarrowAccess, FindsCharactersByIndex) {
     const struct {
         Page page;
@@ -43,19 +19,13 @@ TEST(NarrowAccess, FindsCharactersByIndex) {
         unsigned offset;
     } rows[] = {
         {Page::kAny, "", 0, 0, 0},
-        {Page::kAny, "abc", 0, L'a', 0},
-        {Page::kAny, "abc", 2, L'c', 2},
         {Page::kAny, "abc", 3, 0, 3},
         {Page::kAny, "abc", 4000000000U, 0, 3},
         {Page::kAny, kLeadAtEnd, 2, 0x83, 2},
-        {Page::kAny, kLeadAtEnd, 3, 0, 3},
         {Page::kSingleByte, kMixed, 1, 0xA0, 1},
         {Page::k932, kMixed, 0, 0x82A0, 0},
-        {Page::k932, kMixed, 1, L'x', 2},
         {Page::k932, kMixed, 2, 0x835C, 3},
-        {Page::k932, kMixed, 3, L'y', 5},
         {Page::k932, kMixed, 4, 0, 6},
-        {Page::k932, "\xA0x", 0, 0xA0, 0},
     };
     for (const auto& row : rows) {
         if (!applies(row.page)) continue;
@@ -71,18 +41,15 @@ TEST(NarrowAccess, MeasuresPartsInBytes) {
     const struct {
         Page page;
         unsigned start, count, bytes;
-    } rows[] = {
-        {Page::kAny, 0, 0, 0},           {Page::kAny, 6, 1, 0},        {Page::kAny, 0, 4000000000U, 6},
-        {Page::kSingleByte, 1, 2, 2},    {Page::kSingleByte, 5, 9, 1}, {Page::k932, 0, 1, 2},
-        {Page::k932, 1, 2, 3},           {Page::k932, 3, 9, 1},        {Page::k932, 4, 9, 0},
-        {Page::k932, 4000000000U, 9, 0},
-    };
+    } rows[] = {{Page::kAny, 6, 1, 0}, {Page::kAny, 0, 4000000000U, 6}, {Page::kSingleByte, 5, 9, 1},
+                {Page::k932, 1, 2, 3}, {Page::k932, 3, 9, 1},           {Page::k932, 4000000000U, 9, 0}};
     const CXString s(kMixed);
-    for (const auto& row : rows) {
-        if (!applies(row.page)) continue;
-        SCOPED_TRACE(std::to_string(row.start) + "+" + std::to_string(row.count));
-        EXPECT_EQ(s.GetSize(row.start, row.count), row.bytes);
-    }
+    for (const auto& row : rows)
+        if (applies(row.page)) {
+            EXPECT_EQ(s.GetSize(row.start, row.count), row.bytes) << row.start << "+" << row.count;
+        }
+    EXPECT_EQ(CXString("0123456789abcdef0123456789abcdef\x83\\0123456789abcdef").GetLength(),
+              applies(Page::k932) ? 49U : 50U);
 }
 
 TEST(NarrowAccess, CopiesWholeCharacters) {
@@ -94,17 +61,14 @@ TEST(NarrowAccess, CopiesWholeCharacters) {
         const char* fitting; // by CopyFit(dst, count), count in bytes with the terminator
     } rows[] = {
         {Page::kAny, "abc", 0, "", nullptr},
-        {Page::kAny, "abc", 1, "a", ""},
         {Page::kAny, "abc", 3, "abc", "ab"},
         {Page::kAny, "abc", 4, "abc", "abc"},
         {Page::kAny, "abc", 4000000000U, "abc", "abc"},
         {Page::kAny, "", 5, "", ""},
         {Page::kAny, kLeadAtEnd, 4, kLeadAtEnd, kLeadAtEnd},
         {Page::k932, kMixed, 1, "\x82\xA0", ""},
-        {Page::k932, kMixed, 2, "\x82\xA0x", ""},
         {Page::k932, kMixed, 3, "\x82\xA0x\x83\\", "\x82\xA0"},
         {Page::k932, kMixed, 5, kMixed, "\x82\xA0x"},
-        {Page::k932, kMixed, 6, kMixed, "\x82\xA0x\x83\\"},
     };
     for (const auto& row : rows) {
         if (!applies(row.page)) continue;

@@ -88,6 +88,10 @@ TEST(Format, ReservesForTextsAndReals) {
     EXPECT_EQ(room("%10.38d", 7), 48);
     EXPECT_EQ(room("%f", 1.0), 128);
     EXPECT_EQ(room("%100.50e", 1.0), 150);
+    int before = -1;
+    EXPECT_EQ(room("ab%n%s", &before, "cde"), 5);
+    EXPECT_STREQ(s.GetData(), "abcde");
+    EXPECT_EQ(before, 2);
     EXPECT_EQ(room("%g%s", 2.0, "abc"), 131);
     EXPECT_STREQ(s.GetData(), "2abc");
     CXStringW w;

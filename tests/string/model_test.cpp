@@ -79,7 +79,7 @@ TEST_F(Model, OfEditsAgrees) {
         const Interval r = range(characters.size(), pos, count);
         const std::string head = join(characters, 0, r.from), inside = join(characters, r.from, r.to),
                           tail = join(characters, r.to, characters.size());
-        const int operation = model.size() > 60 ? 1 : number(0, 6);
+        const int operation = model.size() > 60 ? 1 : number(0, 7);
         switch (operation) {
         case 0: {
             const std::size_t at = std::min<std::size_t>(static_cast<unsigned>(pos), characters.size());
@@ -115,6 +115,12 @@ TEST_F(Model, OfEditsAgrees) {
                 kept.pop_back();
             model = join(kept, 0, kept.size());
             s.TrimRight();
+            break;
+        }
+        case 6: {
+            const std::size_t blank = std::min(model.find_first_not_of(' '), model.size());
+            model.erase(0, blank);
+            s.TrimLeft();
             break;
         }
         default:
@@ -157,6 +163,7 @@ TEST_F(Model, OfReadingAndSearchingAgrees) {
         ASSERT_EQ(s.FindRevOnOf(wanted.c_str()),
                   last == characters.rend() ? -1 : characters.rend() - last - 1);
         if (value != 0) {
+            ASSERT_EQ(s.Find(static_cast<wchar_t>(value), start), find(characters, {c}, start));
             const auto same = std::find(characters.rbegin(), characters.rend(), c);
             ASSERT_EQ(s.FindRev(static_cast<wchar_t>(value)), characters.rend() - same - 1);
         }

@@ -34,13 +34,9 @@ TEST(VariantEquality, ByType) {
         {CQZVariant(5, 1), CQZVariant(7, 1), 1},
         {CQZVariant(5), CQZVariant(5l), 0}, // of different types
         {CQZVariant(5u), CQZVariant(5ul), 0},
-        {CQZVariant(5u), CQZVariant(5), 0},
         {CQZVariant(0), CQZVariant(), 0},
-        {CQZVariant(static_cast<unsigned char>(200)), CQZVariant(static_cast<unsigned char>(200)), 1},
         {CQZVariant(static_cast<unsigned char>(200)), CQZVariant(static_cast<unsigned char>(201)), 0},
-        {CQZVariant(static_cast<unsigned short>(60000)), CQZVariant(static_cast<unsigned short>(60000)), 1},
         {CQZVariant(static_cast<unsigned short>(60000)), CQZVariant(static_cast<unsigned short>(1)), 0},
-        {CQZVariant(4000000000ul), CQZVariant(4000000000ul), 1},
         {CQZVariant(0.5), CQZVariant(0.5), 1},
         {CQZVariant(0.5), CQZVariant(0.5000001), 0},
         {CQZVariant(0.0), CQZVariant(-0.0), 1},
@@ -52,10 +48,8 @@ TEST(VariantEquality, ByType) {
         {CQZVariant("abc"), CQZVariant("ab"), 0},
         {CQZVariant(""), CQZVariant(""), 1},
         {CQZVariant("abc"), CQZVariant(L"abc"), 0},
-        {CQZVariant(tagSIZE{1, 2}), CQZVariant(tagSIZE{1, 2}), 1},
         {CQZVariant(tagSIZE{1, 2}), CQZVariant(tagSIZE{1, 3}), 0},
         {CQZVariant(tagSIZE{1, 2}), CQZVariant(tagPOINT{1, 2}), 0},
-        {CQZVariant(tagPOINT{1, 2}), CQZVariant(tagPOINT{1, 2}), 1},
         {CQZVariant(tagPOINT{1, 2}), CQZVariant(tagPOINT{0, 2}), 0},
         {CQZVariant(tagRPOINT{1, 2}), CQZVariant(tagRPOINT{1.0009, 1.9991}), 1},
         {CQZVariant(tagRPOINT{1, 2}), CQZVariant(tagRPOINT{1.0011, 2}), 0},
@@ -72,6 +66,13 @@ TEST(VariantEquality, ByType) {
         EXPECT_EQ(row.left == static_cast<const tagQZVARIANT&>(row.right), row.equal);
         EXPECT_EQ(row.left == static_cast<const tagQZVARIANT*>(&row.right), row.equal);
     }
+}
+
+// But for the real size, which is read as integers on the left.
+TEST(VariantEquality, CopiesAreEqual) {
+    CountingObject object;
+    for (const CQZVariant& sample : one_of_each(object))
+        EXPECT_EQ(sample == CQZVariant(sample), sample.vt != QZVT_RSIZE ? 1 : 0) << sample.vt;
 }
 
 TEST(VariantEquality, EmptyRectanglesAreEqual) {
@@ -106,13 +107,10 @@ TEST(VariantEquality, OfWideTextsTheFirstHalfDecides) {
         int equal;
     } rows[] = {
         {L"", L"", 1},
-        {L"abcd", L"abcd", 1},
         {L"abcd", L"abXY", 1},
         {L"abcd", L"aXcd", 0},
         {L"abcd", L"abc", 0},
-        {L"abc", L"axc", 0},
         {L"abc", L"abX", 1},
-        {L"a", L"A", 0},
         {L"a\x100", L"aXX", 0}, // of different lengths
         {L"\x141g", L"\x141z", 1},
         // An odd length ends within a unit, whose low byte still counts.

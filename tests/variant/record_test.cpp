@@ -54,8 +54,6 @@ TEST(Variant, TheSecondArgumentOfIntegersAsksForABoolean) {
         {CQZVariant(5, 1), QZVT_BOOL, "1"},
         {CQZVariant(0, 1), QZVT_BOOL, "0"},
         {CQZVariant(5, 0), QZVT_INT, "5"},
-        {CQZVariant(5, QZVT_DOUBLE), QZVT_INT, "5"},
-        {CQZVariant(-1, 1), QZVT_BOOL, "1"},
         {CQZVariant(static_cast<unsigned char>(200), 1), QZVT_BOOL, "1"},
         {CQZVariant(static_cast<unsigned char>(200), 2), QZVT_UCHAR, "200"},
         {CQZVariant(static_cast<unsigned short>(256), 1), QZVT_BOOL, "1"},
@@ -64,7 +62,6 @@ TEST(Variant, TheSecondArgumentOfIntegersAsksForABoolean) {
         {CQZVariant(7u, 65535), QZVT_UINT, "7"},
         {CQZVariant(7l, 1), QZVT_BOOL, "1"},
         {CQZVariant(-7l, 5), QZVT_LONG, "-7"},
-        {CQZVariant(0ul, 1), QZVT_BOOL, "0"},
         {CQZVariant(9ul, 6), QZVT_ULONG, "9"},
     };
     for (const auto& row : rows) {
@@ -105,7 +102,7 @@ TEST(Variant, CopiesAreIndependent) {
         CQZVariant copy("old");
         copy = sample;
         EXPECT_EQ(copy.vt, sample.vt);
-        EXPECT_EQ(show(copy), show(sample));
+        EXPECT_EQ(show(copy), kSamples[sample.vt]);
     }
     CQZVariant text_copy(samples[QZVT_TEXT]), wide_copy(samples[QZVT_WTEXT]), blob_copy(samples[QZVT_BLOB]);
     CQZVariant object_copy(&static_cast<tagQZVARIANT&>(samples[QZVT_OBJECT]));
@@ -239,20 +236,16 @@ TEST(Variant, CastsReadTheMemberWhateverTheCode) {
     EXPECT_EQ(static_cast<unsigned int>(number), 300u);
     EXPECT_EQ(static_cast<long>(number), 300l);
     EXPECT_EQ(static_cast<unsigned long>(number), 300ul);
-    EXPECT_EQ(static_cast<tagSIZE>(number).cx, 300);
-    EXPECT_EQ(static_cast<tagPOINT>(number).y, 0);
-
+    EXPECT_EQ(static_cast<tagPOINT>(number).x, 300);
     const CQZVariant real(1.5); // 0x3FF8000000000000
     EXPECT_EQ(static_cast<double>(real), 1.5);
-    EXPECT_EQ(static_cast<unsigned char>(real), 0);
+    EXPECT_EQ(static_cast<float>(CQZVariant(0.5f)), 0.5f);
     EXPECT_EQ(static_cast<tagSIZE>(real).cy, 0x3FF80000);
-
     const CQZVariant rect(tagRRECT{1, 2, 3, 4});
     EXPECT_EQ(static_cast<tagRRECT>(rect).bottom, 4);
     EXPECT_EQ(static_cast<tagRSIZE>(rect).cy, 2);
     EXPECT_EQ(static_cast<tagRPOINT>(rect).x, 1);
     EXPECT_EQ(static_cast<tagRECT>(CQZVariant(tagRECT{1, 2, 3, 4})).bottom, 4);
-    EXPECT_EQ(static_cast<float>(CQZVariant(0.5f)), 0.5f);
 
     CountingObject object;
     const CQZVariant holder(&object), text("abc"), blob(tagQZBLOB{2, const_cast<char*>("hi")});
