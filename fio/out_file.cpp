@@ -6,9 +6,9 @@
 #include "fio/mapped_file.h"
 #include "fio/temp_name.h"
 
+#include <cwchar>
 #include <memory>
 #include <new>
-#include <string>
 
 namespace qzr {
 
@@ -63,11 +63,12 @@ public:
     // Makes it a copy of a document. The copy grows under a name that is not one of temporary files: what a
     // stopped program leaves of it would look like a whole document. Throws CXFileException.
     void copy_from(const wchar_t* document) const {
-        std::wstring growing = path();
-        growing.back() = L'_';
-        ScopeExit undo([&growing] { DeleteFileW(growing.c_str()); });
-        Fio_CopyFile(document, growing.c_str(), 0);
-        if (MoveFileExW(growing.c_str(), path(), MOVEFILE_REPLACE_EXISTING) == FALSE)
+        wchar_t growing[kPathUnits];
+        std::wcscpy(growing, path());
+        growing[std::wcslen(growing) - 1] = L'_';
+        ScopeExit undo([&growing] { DeleteFileW(growing); });
+        Fio_CopyFile(document, growing, 0);
+        if (MoveFileExW(growing, path(), MOVEFILE_REPLACE_EXISTING) == FALSE)
             throw_file_error(QZOP_COPY, document);
         undo.dismiss();
     }
@@ -161,7 +162,8 @@ bool CXOutFile::target_exists(bool keep) const {
 }
 
 void CXOutFile::open_inner(int mode) {
-    inner_.reset(new CXFile(temp_.path(), mode));
+    inner_.reset(new (std::nothrow) CXFile(temp_.path(), mode));
+    if (!inner_) throw CXMemException();
     inner_->begin_temporary();
     inner_->go_to_end(); // of the copy; a new file has no other place
 }

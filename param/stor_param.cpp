@@ -12,6 +12,7 @@ namespace qzr {
 namespace {
 
 using StreamRef = CQZRef<IXStream>;
+using NameText = std::basic_string<char, std::char_traits<char>, HeapAllocator<char>>;
 
 // A value's path: the node's, which is empty for this node, and the name in that node.
 struct ValuePath {
@@ -76,7 +77,7 @@ IParam* CIXStorParam::CreateSubParam(const char* name) {
     Node node = Node::Share(this);
     PathPart part = first_part(child_name(name));
     for (; !part.last(); part = first_part(part.rest())) {
-        node = node->open_child(std::string(part.text()).c_str(), true);
+        node = node->open_child(NameText(part.text()).c_str(), true);
         if (!node) return nullptr;
     }
     return node->create_child(part.begin).Detach();
@@ -84,10 +85,10 @@ IParam* CIXStorParam::CreateSubParam(const char* name) {
 
 // Of a path only the first node is created; the rest has to be there. Stored settings rely on it.
 CIXStorParam::Node CIXStorParam::open_path(std::string_view path, bool create) {
-    const std::string text(path);
+    const NameText text(path);
     Node node = Node::Share(this);
     for (PathPart part = first_part(text.c_str());; part = first_part(part.rest())) {
-        node = node->open_child(std::string(part.text()).c_str(), create);
+        node = node->open_child(NameText(part.text()).c_str(), create);
         if (!node || part.last()) return node;
         create = false;
     }
@@ -146,6 +147,7 @@ bool CIXStorParam::is_child(const char* name) {
     try {
         return static_cast<bool>(CQZRef<IXStorage>::Adopt(storage_->OpenStorage(name)));
     } catch (const CXFileException& e) {
+        if (e.GetCode() == QZERR_MEMORY) throw; // which tells nothing about the name
         return e.GetCode() != QZERR_NOT_FOUND;
     }
 }

@@ -2,8 +2,7 @@
 
 #include "core/windows_lean.h"
 #include "fio/path_kind.h"
-#include "qzfile.h"
-#include "qzref.h"
+#include "qzfileio.h"
 #include "qzstring.h"
 
 #include <algorithm>
@@ -58,8 +57,7 @@ bool FileOrder::operator()(const std::wstring& a, const std::wstring& b) const {
 // Piece by piece, each as large as all before it. The size is not asked for: that of a block of memory is
 // whatever its name says, and a file of 2 GiB and more has none to tell.
 std::string read_text_file(const std::wstring& path) {
-    const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path.c_str(), QZFILE_READ));
-    if (!file) throw CXMemException();
+    const qz::File file(path.c_str());
     std::string content;
     for (;;) {
         const std::size_t before = content.size();

@@ -29,17 +29,19 @@ char last_ascii(const char* text) {
     return mb_value(last, leads) < 0x80 ? *last : 0;
 }
 
-std::wstring characters_of(const char* text) {
+using BytesText = std::basic_string<char, std::char_traits<char>, HeapAllocator<char>>;
+
+PathText characters_of(const char* text) {
     const LeadBytes leads = lead_bytes();
-    std::wstring characters;
+    PathText characters;
     for (; *text != 0; text = mb_next(text, leads))
         characters += mb_value(text, leads);
     return characters;
 }
 
-std::string bytes_of(const std::wstring& characters) {
+BytesText bytes_of(const PathText& characters) {
     const LeadBytes leads = lead_bytes();
-    std::string bytes;
+    BytesText bytes;
     for (const wchar_t c : characters)
         bytes += mb_encode(c, leads).bytes;
     return bytes;
@@ -101,11 +103,11 @@ int CXString::GetFilePath(char* buffer) const {
 }
 
 int CXString::ReducePathString(int maxLength) {
-    std::wstring path = characters_of(m_pszData);
+    PathText path = characters_of(m_pszData);
     const std::size_t length = path.size();
     if (!reduce_path(path, maxLength)) return 0;
     if (path.size() == length && path == characters_of(m_pszData)) return 1;
-    const std::string reduced = bytes_of(path);
+    const BytesText reduced = bytes_of(path);
     AssignCopy(reduced.data(), static_cast<unsigned>(reduced.size()));
     return 1;
 }

@@ -7,10 +7,10 @@ namespace {
 
 constexpr wchar_t kEllipsis[] = L"...\\";
 constexpr std::int64_t kEllipsisLength = 4;
-constexpr std::size_t kNone = std::wstring::npos;
+constexpr std::size_t kNone = PathText::npos;
 
 // The backslash that ends the root, or kNone.
-std::size_t root_end(const std::wstring& path) {
+std::size_t root_end(const PathText& path) {
     if (path.size() > 2 && path[1] == L':' && path[2] == L'\\') return 2;
     if (path.size() > 1 && path[0] == L'\\' && path[1] == L'\\') return path.find(L'\\', 2);
     return kNone;
@@ -18,7 +18,7 @@ std::size_t root_end(const std::wstring& path) {
 
 } // namespace
 
-bool reduce_path(std::wstring& path, int max_length) {
+bool reduce_path(PathText& path, int max_length) {
     const auto length = static_cast<std::int64_t>(path.size());
     if (max_length >= length) return true;
     const std::size_t root = root_end(path);

@@ -83,7 +83,7 @@ int CXStringW::GetFilePath(wchar_t* buffer) const {
 }
 
 int CXStringW::ReducePathString(int maxLength) {
-    std::wstring path = m_pszData;
+    PathText path = m_pszData;
     if (!reduce_path(path, maxLength)) return 0;
     if (path != m_pszData) AssignCopy(path.data(), static_cast<unsigned>(path.size()));
     return 1;

@@ -1,7 +1,7 @@
 // Loading dictionaries.
 #include "core/windows_lean.h"
 #include "qzexception.h"
-#include "qzfile.h"
+#include "qzfileio.h"
 #include "qzparam.h"
 #include "qzref.h"
 #include "qzstring.h"
@@ -32,8 +32,7 @@ void use_code_page_of(LCID language) {
 
 // The keys of a file are converted in the code page that was in effect before it.
 void read_dictionary(const wchar_t* path) {
-    const auto file = CQZRef<IXFile>::Adopt(Fio_Open(path, QZFILE_READ));
-    if (!file) throw CXMemException();
+    const qz::File file(path);
     DictionaryReader reader(*file);
     LCID language = 0;
     while (reader.next()) {
@@ -50,7 +49,7 @@ void read_companion(const wchar_t* dictionary_path) {
     path.ChangeFileExt(L"dlg");
     const auto tree = CQZRef<IParam>::Adopt(new_MemParam());
     if (!tree) throw CXMemException();
-    Param_IniFile2Param(path.GetData(), tree.Get());
+    if (Param_IniFile2Param(path.GetData(), tree.Get()) == 0) throw CXMemException();
     translation().dialogs.add(*tree);
 }
 

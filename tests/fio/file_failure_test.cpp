@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <new>
 
 namespace {
 
@@ -262,6 +263,31 @@ TEST(FileFailure, EachCallOfCreating) { refuse_each_call(QZFILE_WRITE, false, tr
 TEST(FileFailure, EachCallOfAbandoning) { refuse_each_call(QZFILE_WRITE | QZFILE_KEEP, true, false); }
 
 // File dialogs change the current directory while a document is written.
+int objects_left = 0; // until there is no memory for objects any more
+
+void* new_while_there_is(std::size_t size, const std::nothrow_t& none) {
+    return objects_left-- > 0 ? ::operator new(size, none) : nullptr;
+}
+
+TEST(FileFailure, WithoutMemoryForItsObjectsNoDocumentIsReplaced) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.file(L"document", "old");
+    const ImportMock memory("qzrcore.dll", "_ZnwyRKSt9nothrow_t",
+                            reinterpret_cast<void*>(&new_while_there_is));
+    int opened = 0;
+    for (int objects = 0; opened == 0; ++objects) {
+        SCOPED_TRACE(objects);
+        objects_left = objects;
+        const std::string thrown = failure_of([&] {
+            opened += static_cast<bool>(CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), QZFILE_KEEP)));
+        });
+        EXPECT_EQ(thrown, objects == 1 ? "code 2" : "");
+        EXPECT_EQ(folder.contents(L"document"), "old");
+        EXPECT_EQ(folder.count(), 1u);
+        EXPECT_EQ(Fio_LockCount(path.c_str(), false), 0);
+    }
+}
+
 TEST(FileFailure, ATargetStaysWhereItWasWhenTheCurrentDirectoryMoves) {
     const std::wstring before = std::filesystem::current_path().wstring();
     for (const bool commit : {true, false}) {

@@ -5,6 +5,7 @@
 
 #include "support/import_mock.h"
 #include "support/param_outline.h"
+#include "support/scratch_folder.h"
 
 #include "qzexception.h"
 
@@ -115,6 +116,17 @@ TEST(TreeFailure, AChildThatTheTreeRefusesEndsTheOperation) {
     const Stream stream = stream_of(bytes_of(*memory_tree(steps)));
     EXPECT_THROW(LoadParamFromXStream(stream.Get(), loaded.root().Get()), CXMemException);
     EXPECT_EQ(copied.held + parsed.held + loaded.held, 0);
+}
+
+// Nothing of what was read is in doubt then.
+TEST(TreeFailure, ATextFileThatCannotBeClosedIsReadAllTheSame) {
+    const ScratchFolder folder;
+    const Tree tree = memory_tree();
+    const ImportMock mock("qzrcore.dll", "UnmapViewOfFile", reinterpret_cast<void*>(+[](const void* view) {
+                              return UnmapViewOfFile(view) - 1;
+                          }));
+    EXPECT_EQ(Param_IniFile2Param(folder.file(L"text", "[\\]\r\na=i1").c_str(), tree.Get()), 1);
+    EXPECT_EQ(outline_of(*tree), "a=1");
 }
 
 int requests_left = 0; // until the system has no memory any more

@@ -2,13 +2,16 @@
 #include "dictionary_files.h"
 
 #include "support/child_process.h"
+#include "support/import_mock.h"
 
+#include "qzexception.h"
 #include "qzstring.h"
 #include "qzsupp.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <new>
 #include <vector>
 
 #include <windows.h>
@@ -44,6 +47,30 @@ TEST_ALONE(DictionaryLoading, LoadsTheFirstOnce) {
     EXPECT_EQ(Supp_AddWld(next.c_str()), 1);
     EXPECT_EQ(translated(L"one"), L"un");
     EXPECT_EQ(translated(L"two"), L"zwei");
+}
+
+int requests_left = 0; // until there is no memory any more
+
+void* new_while_there_is(std::size_t size) {
+    if (requests_left-- <= 0) throw std::bad_alloc();
+    return ::operator new(size);
+}
+
+TEST_ALONE(DictionaryLoading, FailsWithoutMemoryForItsCompanion) {
+    const DictionaryFiles files;
+    const std::wstring path = files.file(L"both.wld", pair_lines("both", "deux"));
+    files.file(L"both.dlg", "[\\Dialogs\\one]\r\nwidth=i1\r\n");
+    int loaded = 0;
+    for (int requests = 0; loaded == 0; ++requests) {
+        SCOPED_TRACE(requests);
+        const ImportMock memory("qzrcore.dll", "_Znwy", reinterpret_cast<void*>(&new_while_there_is));
+        requests_left = requests;
+        try {
+            loaded = Supp_AddWld(path.c_str());
+        } catch (const CXMemException&) {
+        }
+        ASSERT_EQ(loaded, requests_left >= 0 ? 1 : 0);
+    }
 }
 
 TEST_ALONE(DictionaryLoading, TakesAppWldFromTheCurrentDirectory) {
