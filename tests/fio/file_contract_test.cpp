@@ -1,6 +1,6 @@
 // The contract suite over every kind of file.
 #include "contracts/file_contract.h"
-#include "low_memory.h"
+#include "support/low_memory.h"
 #include "support/scratch_folder.h"
 
 #include <memory>

@@ -3,6 +3,7 @@
 #include "qzstring.h"
 #include "support/file_failure.h"
 #include "support/import_mock.h"
+#include "support/refused_call.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
@@ -195,13 +196,6 @@ TEST(FileOps, TempFileIsNewEmptyAndInABufferOfItsOwn) {
     }
 }
 
-// A system call that fails with an error of our choice, and what comes of it.
-DWORD injected_error;
-BOOL fail() {
-    SetLastError(injected_error);
-    return FALSE;
-}
-
 TEST(FileOps, ErrorsOfTheSystemBecomeCodes) {
     const wchar_t path[] = L"Q:\\path";
     const struct {
@@ -227,8 +221,7 @@ TEST(FileOps, ErrorsOfTheSystemBecomeCodes) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.function);
-        injected_error = row.error;
-        const ImportMock mock("qzrcore.dll", row.function, reinterpret_cast<void*>(&fail));
+        const RefusedCall refused(row.function, row.error);
         EXPECT_EQ(failure_of(row.call), row.thrown);
     }
 }

@@ -3,6 +3,7 @@
 #include "qzstring.h"
 #include "support/file_failure.h"
 #include "support/import_mock.h"
+#include "support/refused_call.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
@@ -127,20 +128,13 @@ TEST(FileAccess, WritableFile) {
     Fio_UnlockFile(exclusive.c_str(), true);
 }
 
-DWORD injected_error;
-BOOL fail() {
-    SetLastError(injected_error);
-    return FALSE;
-}
-
 // Each system call on the way, failing alone.
 void expect_0_when_failing(const std::function<int()>& query, std::initializer_list<const char*> functions) {
     EXPECT_EQ(query(), 1);
     for (const char* const function : functions) {
         for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_INSUFFICIENT_BUFFER}) {
             SCOPED_TRACE(std::string(function) + " " + std::to_string(error));
-            injected_error = error;
-            const ImportMock mock("qzrcore.dll", function, reinterpret_cast<void*>(&fail));
+            const RefusedCall refused(function, error);
             EXPECT_EQ(query(), 0);
         }
     }

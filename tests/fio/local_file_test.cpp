@@ -121,19 +121,6 @@ TEST(LocalFile, ClosingLeavesExactlyWhatWasWritten) {
     EXPECT_EQ(folder.contents(L"document"), "ab23456789");
 }
 
-TEST(LocalFile, ReleaseCountsDownAndClosesAtTheLast) {
-    const ScratchFolder folder;
-    IXFile* const file = Fio_Open(folder.path(L"document").c_str(), QZFILE_WRITE);
-    EXPECT_EQ(file->AddRef(), 2u);
-    EXPECT_EQ(file->AddRef(), 3u);
-    file->WriteByte('x');
-    EXPECT_EQ(file->Release(), 2u);
-    EXPECT_EQ(file->Release(), 1u);
-    EXPECT_EQ(file->GetSize(), 1u);
-    EXPECT_EQ(file->Release(), 0u);
-    EXPECT_EQ(folder.contents(L"document"), "x");
-}
-
 TEST(LocalFile, ReadsExactlyAsFewBytesAsAskedFor) {
     const ScratchFolder folder;
     std::string contents(100, '\0');

@@ -1,8 +1,8 @@
 // Blocks of memory as files: what their names say, and what cannot be read.
-#include "low_memory.h"
 #include "qzfile.h"
 #include "qzref.h"
 #include "support/file_failure.h"
+#include "support/low_memory.h"
 
 #include <gtest/gtest.h>
 

@@ -136,21 +136,6 @@ TEST(OutFile, SeveralForOneTarget) {
     EXPECT_EQ(folder.contents(L"document"), "oldtwo");
 }
 
-TEST(OutFile, ARelativeTargetIsWrittenInTheCurrentDirectory) {
-    const ScratchFolder folder;
-    wchar_t before[MAX_PATH];
-    GetCurrentDirectoryW(MAX_PATH, before);
-    SetCurrentDirectoryW(folder.path().c_str());
-    {
-        const OutFile file = open_out(L"document");
-        file->WriteString("new");
-        EXPECT_EQ(folder.count(), 1u) << "the temporary file is here too";
-        file->Commit();
-    }
-    SetCurrentDirectoryW(before);
-    EXPECT_EQ(folder.contents(L"document"), std::string("new\0", 4));
-}
-
 // commit_steps_test.cpp reads the mark itself, in files of processes that were stopped.
 TEST(OutFile, TheTemporaryFileHasRoomForItsMarkUntilItIsWhole) {
     const ScratchFolder folder;

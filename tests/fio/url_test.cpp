@@ -3,7 +3,7 @@
 
 #include "qzstring.h"
 #include "support/file_failure.h"
-#include "support/import_mock.h"
+#include "support/refused_call.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
@@ -74,27 +74,14 @@ TEST(Url, FailsWithThePlatform) {
     const ScratchFolder folder;
     const std::wstring local = folder.file(L"local", "before");
     const wchar_t url[] = L"ftp://127.0.0.3/x.txt";
-    const auto fail = reinterpret_cast<void*>(+[]() -> void* {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return nullptr;
-    });
-    const auto fail_without_a_word = reinterpret_cast<void*>(+[]() -> void* {
-        SetLastError(ERROR_SUCCESS);
-        return nullptr;
-    });
-    const struct {
-        const char* function;
-        void* replacement;
-    } rows[] = {
-        {"CreateThread", fail},
-        {"InternetOpenW", fail_without_a_word},
-        {"InternetConnectW", fail_without_a_word},
-        {"InternetCrackUrlW", fail},
-        {"GetTempFileNameW", fail},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.function);
-        const ImportMock mock("qzrcore.dll", row.function, row.replacement);
+    const std::pair<const char*, DWORD> rows[] = {{"CreateThread", ERROR_NOT_ENOUGH_MEMORY},
+                                                  {"InternetOpenW", ERROR_SUCCESS},
+                                                  {"InternetConnectW", ERROR_SUCCESS},
+                                                  {"InternetCrackUrlW", ERROR_NOT_ENOUGH_MEMORY},
+                                                  {"GetTempFileNameW", ERROR_NOT_ENOUGH_MEMORY}};
+    for (const auto& [function, error] : rows) {
+        SCOPED_TRACE(function);
+        const RefusedCall refused(function, error);
         EXPECT_EQ(Fio_DownloadToFile(url, local.c_str()), 0);
         EXPECT_EQ(folder.contents(L"local"), "before");
         EXPECT_EQ(folder.count(), 1u);

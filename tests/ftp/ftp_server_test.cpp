@@ -3,7 +3,7 @@
 #include "ftp_fixture.h"
 #include "qzstream.h"
 #include "qzstring.h"
-#include "support/import_mock.h"
+#include "support/refused_call.h"
 
 #include <functional>
 
@@ -187,11 +187,7 @@ TEST_F(FtpServer, SendsAnOutputFileOnCommitAlone) {
     file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(url(L"there.txt").c_str(), QZFILE_WRITE));
     file->Write("x", 1);
     {
-        const ImportMock disk("qzrcore.dll", "DeleteFileW",
-                              reinterpret_cast<void*>(+[](const wchar_t*) -> BOOL {
-                                  SetLastError(ERROR_ACCESS_DENIED);
-                                  return FALSE;
-                              }));
+        const RefusedCall disk("DeleteFileW", ERROR_ACCESS_DENIED);
         EXPECT_THROW(file->Commit(), CXFileException);
     }
     file->Commit();
@@ -328,31 +324,20 @@ TEST_F(FtpServer, OtherOperationsRefuseAddresses) {
 TEST_F(FtpServer, FailsWithThePlatform) {
     put(L"fetch.txt", "remote");
     const std::wstring local = work.file(L"local.txt", "local");
-    const auto fail = reinterpret_cast<void*>(+[]() -> void* {
-        SetLastError(ERROR_DISK_FULL);
-        return nullptr;
-    });
-    const auto fail_without_a_word = reinterpret_cast<void*>(+[]() -> void* {
-        SetLastError(ERROR_SUCCESS);
-        return nullptr;
-    });
     const struct {
         const char* function;
         bool download;
-        void* replacement;
+        DWORD error;
     } rows[] = {
-        {"WriteFile", true, fail},
-        {"InternetReadFile", true, fail_without_a_word},
-        {"MoveFileExW", true, fail},
-        {"FtpOpenFileW", true, fail_without_a_word},
-        {"ReadFile", false, fail},
-        {"InternetWriteFile", false, fail_without_a_word},
-        {"FtpOpenFileW", false, fail_without_a_word},
+        {"WriteFile", true, ERROR_DISK_FULL},   {"InternetReadFile", true, ERROR_SUCCESS},
+        {"MoveFileExW", true, ERROR_DISK_FULL}, {"FtpOpenFileW", true, ERROR_SUCCESS},
+        {"ReadFile", false, ERROR_DISK_FULL},   {"InternetWriteFile", false, ERROR_SUCCESS},
+        {"FtpOpenFileW", false, ERROR_SUCCESS},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.function) + (row.download ? " fetching" : " sending"));
         {
-            const ImportMock mock("qzrcore.dll", row.function, row.replacement);
+            const RefusedCall refused(row.function, row.error);
             EXPECT_EQ(row.download ? Fio_DownloadToFile(url(L"fetch.txt").c_str(), local.c_str())
                                    : Fio_UrlPutFile(url(L"sent.txt").c_str(), local.c_str()),
                       0);

@@ -1,8 +1,10 @@
 // What a reader under attack brings along.
 #pragma once
 
+#include "qzexception.h"
 #include "support/random.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +33,25 @@ extern const Target kText, kTreeStream, kObject, kVariant, kDictionary, kCompani
 
 inline void require(bool holds, const char* what) {
     if (!holds) fail(what);
+}
+
+// What the library refuses is its own business.
+template <class Call>
+void tried(Call call) {
+    try {
+        call();
+    } catch (const CXException&) {
+    }
+}
+
+// The texts between "~", and some that cannot be written there.
+inline std::vector<std::string> parts(std::string_view text, std::vector<std::string> all = {}) {
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find('~', at), text.size());
+        all.emplace_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return all;
 }
 
 } // namespace fuzz

@@ -3,6 +3,7 @@
 #include "forms.h"
 
 #include "support/file_failure.h"
+#include "support/low_memory.h"
 #include "support/param_outline.h"
 #include "support/scratch_folder.h"
 
@@ -61,13 +62,9 @@ TEST_F(IniFile, ReadsWhatALiveTreeWrote) {
 }
 
 TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
-    const std::string block = "from_memory=i7";
-    void* low = nullptr; // an address of few digits
-    for (std::uintptr_t at = 0x1000'0000; low == nullptr && at < 0x7000'0000; at += 0x0100'0000)
-        low = VirtualAlloc(reinterpret_cast<void*>(at), 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-    ASSERT_NE(low, nullptr);
-    std::memcpy(low, block.data(), block.size());
-    const std::string memory = "fmem::" + std::to_string(reinterpret_cast<std::uintptr_t>(low)) + ",";
+    const LowMemory block("from_memory=i7");
+    const std::string memory = narrow(block.path().c_str());
+    const std::string place = memory.substr(0, memory.find(',') + 1);
     folder_.file(L"one.ini", "one=i1|#include .\\f.ini|#include \".\\two.ini\"");
     folder_.file(L"two.ini", "two=i2");
     const struct {
@@ -78,9 +75,9 @@ TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
         {".\\one.ini", "one=i1|two=i2|"}, // which does not include the file itself again
         {narrow(folder_.path(L"two.ini").c_str()), "two=i2|"},
         {"two.ini", ""}, // is taken from the current directory
-        {memory + std::to_string(block.size()), "from_memory=i7|"},
-        {"FMEM" + memory.substr(4) + "11", "from_memory=i0|"},
-        {memory + "2000000000", ""}, // more than there is
+        {memory, "from_memory=i7|"},
+        {"FMEM" + place.substr(4) + "11", "from_memory=i0|"},
+        {place + "2000000000", ""}, // more than there is
         {"fmem::1,100", ""},
         {"fmem::", ""},
         {"ftp://", ""},
@@ -90,11 +87,11 @@ TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
         const std::wstring path = folder_.file(L"f.ini", "[\\]\na=i1\n#include " + row.include + "\nz=i1");
         EXPECT_EQ(read(path), std::string("[\\]|a=i1|") + row.read + "z=i1|");
     }
-    const std::string whole = "[\\]|v=i1|#include " + memory + "40";
-    std::memcpy(low, whole.data(), whole.size() + 1);
-    const std::string name = memory + std::to_string(whole.size());
-    EXPECT_EQ(read(std::wstring(name.begin(), name.end())), "[\\]|v=i1|");
-    VirtualFree(low, 0, MEM_RELEASE);
+    // A file in memory that includes itself.
+    LowMemory whole(std::string(100, '\n'));
+    const std::string text = "[\\]|v=i1|#include " + narrow(whole.path().c_str());
+    std::memcpy(whole.data(), text.data(), text.size());
+    EXPECT_EQ(read(whole.path()), "[\\]|v=i1|");
 }
 
 TEST_F(IniFile, ThrowsWhatOpeningThrows) {

@@ -2,6 +2,7 @@
 
 #include "qzstring.h"
 #include "support/live_blocks.h"
+#include "support/open_handles.h"
 
 #include <filesystem>
 #include <iterator>
@@ -30,17 +31,6 @@ long long blocks_of(HANDLE heap) {
         if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) ++count;
     HeapUnlock(heap);
     return count;
-}
-
-// The system's own counter answers 0 under Wine, so they are tried.
-long long handles() {
-    constexpr ULONG_PTR kBehindLast = 0x8000;
-    long long open = 0;
-    for (ULONG_PTR value = 4; value < kBehindLast; value += 4) {
-        DWORD flags = 0;
-        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++open;
-    }
-    return open;
 }
 
 long long mapped_views() {
@@ -93,7 +83,7 @@ Leftovers count_leftovers(const std::wstring& folder, const std::string& key) {
         {"blocks of the runtime", blocks_of(reinterpret_cast<HANDLE>(_get_heap_handle())), kCaches},
         {"blocks of the platform", blocks_of(GetProcessHeap()), kCaches},
         {"heaps", heaps(), 0},
-        {"handles", handles(), kFewHandles},
+        {"handles", open_handles(0x8000), kFewHandles},
         {"mapped views", mapped_views(), 0},
         {"files", files_below(folder), 0},
         {"registry entries", entries_below(HKEY_CURRENT_USER, key), 0},

@@ -65,51 +65,31 @@ CQZVariant TreeRun::value() const {
     Random& random = work_.random;
     const auto number = [&] { return static_cast<int>(random.next()) / 4096; };
     const auto real = [&] { return number() / 8.0; };
-    unsigned type = 0;
-    do
-        type = 1 + static_cast<unsigned>(random.below(QZVT_COUNT - 1));
-    while (type == QZVT_OBJECT || (rules_.lost_types >> type & 1) != 0);
-    switch (type) {
-    case QZVT_BOOL:
-        return {number(), QZVT_BOOL};
-    case QZVT_UCHAR:
-        return {static_cast<unsigned char>(number())};
-    case QZVT_USHORT:
-        return {static_cast<unsigned short>(number())};
-    case QZVT_ULONG:
-        return {static_cast<unsigned long>(number())};
-    case QZVT_INT:
-        return {number()};
-    case QZVT_UINT:
-        return {static_cast<unsigned>(number())};
-    case QZVT_LONG:
-        return {static_cast<long>(number())};
-    case QZVT_DOUBLE:
-        return {real()};
-    case QZVT_FLOAT:
-        return {static_cast<float>(number() % 100000) / 8};
-    case QZVT_SIZE:
-        return {tagSIZE{number(), number()}};
-    case QZVT_RSIZE:
-        return {tagRSIZE{real(), real()}};
-    case QZVT_POINT:
-        return {tagPOINT{number(), number()}};
-    case QZVT_RPOINT:
-        return {tagRPOINT{real(), real()}};
-    case QZVT_RECT:
-        return {tagRECT{number(), number(), number(), number()}};
-    case QZVT_RRECT:
-        return {tagRRECT{real(), real(), real(), real()}};
-    case QZVT_BLOB: {
-        std::string bytes = "." + random_text(random, 2000); // empty ones read as none in storages
-        return {tagQZBLOB{static_cast<unsigned>(bytes.size()), bytes.data()}};
-    }
-    case QZVT_WTEXT: {
-        const std::string text = random_text(random, 300);
-        return {std::wstring(text.begin(), text.end()).c_str()};
-    }
-    default:
-        return {random_text(random, random.one_in(20) ? 3000 : 60).c_str()};
+    std::string bytes = "." + random_text(random, 2000); // empty ones read as none in storages
+    const std::string wide = random_text(random, 300);
+    const CQZVariant all[] = {
+        {number(), QZVT_BOOL},
+        {static_cast<unsigned char>(number())},
+        {static_cast<unsigned short>(number())},
+        {static_cast<unsigned long>(number())},
+        {number()},
+        {static_cast<unsigned>(number())},
+        {static_cast<long>(number())},
+        {real()},
+        {static_cast<float>(number() % 100000) / 8},
+        {tagSIZE{number(), number()}},
+        {tagRSIZE{real(), real()}},
+        {tagPOINT{number(), number()}},
+        {tagRPOINT{real(), real()}},
+        {tagRECT{number(), number(), number(), number()}},
+        {tagRRECT{real(), real(), real(), real()}},
+        {tagQZBLOB{static_cast<unsigned>(bytes.size()), bytes.data()}},
+        {std::wstring(wide.begin(), wide.end()).c_str()},
+        {random_text(random, random.one_in(20) ? 3000 : 60).c_str()},
+    };
+    while (true) {
+        const CQZVariant& one = all[random.below(std::size(all))];
+        if ((rules_.lost_types >> one.vt & 1) == 0) return one;
     }
 }
 

@@ -4,13 +4,11 @@
 #include "qzref.h"
 #include "soak/refusal.h"
 #include "soak/work.h"
+#include "support/low_memory.h"
 #include "support/scratch_folder.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
-
-#include <windows.h>
 
 namespace {
 
@@ -59,32 +57,11 @@ void read_lines(Work& work, IXFile& file, const std::string& expected) {
     work.require(all == expected, "other lines");
 }
 
-// Memory that a path can name lies below 2 GiB.
-class LowBlock {
-public:
-    explicit LowBlock(const std::string& bytes) {
-        constexpr std::size_t kStep = 0x10000;
-        for (std::size_t at = 0x10000000; at < 0x70000000 && memory_ == nullptr; at += kStep)
-            memory_ = VirtualAlloc(reinterpret_cast<void*>(at), bytes.size() + 1, MEM_RESERVE | MEM_COMMIT,
-                                   PAGE_READWRITE);
-        if (memory_ != nullptr) std::memcpy(memory_, bytes.data(), bytes.size());
-    }
-    ~LowBlock() { VirtualFree(memory_, 0, MEM_RELEASE); }
-    LowBlock(const LowBlock&) = delete;
-    LowBlock& operator=(const LowBlock&) = delete;
-    void* get() const { return memory_; }
-
-private:
-    void* memory_ = nullptr;
-};
-
 void read_memory(Work& work, const std::string& bytes) {
-    const LowBlock block(bytes);
-    work.require(block.get() != nullptr, "no memory below 2 GiB");
-    const std::wstring path = L"fmem::" + std::to_wstring(reinterpret_cast<std::size_t>(block.get())) + L"," +
-                              std::to_wstring(bytes.size());
-    read_in_pieces(work, path, bytes);
-    read_lines(work, *File::Adopt(Fio_Open(path.c_str(), 0)), bytes);
+    const LowMemory block(bytes);
+    work.require(block.data() != nullptr, "no memory below 2 GiB");
+    read_in_pieces(work, block.path(), bytes);
+    read_lines(work, *File::Adopt(Fio_Open(block.path().c_str(), 0)), bytes);
 }
 
 } // namespace

@@ -3,11 +3,9 @@
 
 #include <windows.h>
 
-inline unsigned open_handles() {
-    constexpr ULONG_PTR kFirst = 4;
-    constexpr ULONG_PTR kBehindLast = 0x800; // far more than a test program has
+inline unsigned open_handles(ULONG_PTR behind_last = 0x800) { // far more than a test program has
     unsigned open = 0;
-    for (ULONG_PTR value = kFirst; value < kBehindLast; value += 4) {
+    for (ULONG_PTR value = 4; value < behind_last; value += 4) {
         DWORD flags = 0;
         if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++open;
     }

@@ -10,6 +10,7 @@
 #include "qzobject.h"
 
 #include "support/image_imports.h"
+#include "support/open_handles.h"
 
 #include <windows.h>
 
@@ -67,16 +68,6 @@ void use_plugin(HMODULE) {
     require(pair->Release() == 0, "the object goes");
 }
 
-// The system's own count answers 0 under Wine.
-unsigned open_handles() {
-    unsigned count = 0;
-    for (unsigned long long value = 4; value < 0x4000; value += 4) {
-        DWORD flags = 0;
-        if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags)) ++count;
-    }
-    return count;
-}
-
 struct Traces {
     unsigned handles;
     DWORD heaps;
@@ -88,7 +79,7 @@ Traces traces() {
     for (const HANDLE heap : heaps)
         require(HeapValidate(heap, 0, nullptr) != 0, "the heaps are sound");
     Traces found = {};
-    found.handles = open_handles();
+    found.handles = open_handles(0x4000);
     found.heaps = static_cast<DWORD>(heaps.size());
     return found;
 }

@@ -14,24 +14,9 @@ std::vector<std::string> seeds() {
 }
 
 std::vector<std::string> pieces() {
-    return {"[\\Dialogs\\",
-            "\\Dialog Size]\n",
-            "=t1,2,3,4\n",
-            "=s1,2,3,4\n",
-            "#1#101",
-            "app.exe#1##7",
-            "\xFD\xFD",
-            "\n",
-            "\r\n",
-            ",",
-            "-",
-            "2147483647",
-            "-2147483648",
-            "32768",
-            "99999999999",
-            ";",
-            "|",
-            "\\"};
+    return fuzz::parts(
+        "[\\Dialogs\\~\\Dialog Size]\n~=t1,2,3,4\n~=s1,2,3,4\n~#1#101~app.exe#1##7~\xFD\xFD~\n~"
+        "\r\n~,~-~2147483647~-2147483648~32768~99999999999~;~|~\\");
 }
 
 void check(const RECT* rect) {

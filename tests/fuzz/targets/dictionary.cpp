@@ -25,27 +25,9 @@ std::vector<std::string> corpus() {
 }
 
 std::vector<std::string> pieces() {
-    return {"\"",
-            "\n",
-            "\r\n",
-            "\"\n\"",
-            "\\",
-            "\\n",
-            "\\\\",
-            ";",
-            " ",
-            "\t",
-            "\"\"\n",
-            "\x83",
-            "\x81\x40",
-            "\x83\x5C",
-            "\xFF",
-            std::string(1, '\0'),
-            std::string(8190, 'x'),
-            "[\\Dialogs\\",
-            "\\Dialog Size]\n",
-            "=t1,2,3,4\n",
-            "#1#101"};
+    return fuzz::parts("\"~\n~\r\n~\"\n\"~\\~\\n~\\\\~;~ ~\t~\"\"\n~\x83~\x81\x40~\x83\x5C~\xFF~[\\Dialogs\\~"
+                       "\\Dialog Size]\n~=t1,2,3,4\n~#1#101",
+                       {std::string(1, '\0'), std::string(8190, 'x')});
 }
 
 // --- a plain reader of files in single-byte characters

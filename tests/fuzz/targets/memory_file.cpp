@@ -1,48 +1,26 @@
 // Paths of blocks of memory: the text behind "fmem::" may name anything. What cannot be read is a failure,
 // and nothing is ever written.
 #include "fuzz/low_bytes.h"
-#include "qzexception.h"
 #include "qzfile.h"
 #include "qzref.h"
 
 namespace {
 
+using fuzz::tried;
+
 constexpr std::size_t kAddress = 0x71000000, kSize = 4096; // of a block that is there, one page and no more
 constexpr char kBlock[] = "1895825408,4096";
 
 std::vector<std::string> seeds() {
-    return {kBlock,
-            "1895825408,10",
-            "1895829504,1",
-            "1895829500,8",
-            "0,0",
-            "-1,-1",
-            "1895825408,-1",
-            "1895825408",
-            "99999999999,99999999999",
-            ",",
-            "..",
-            "4096,2147483647"};
+    return fuzz::parts("1895825408,10~1895829504,1~1895829500,8~0,0~-1,-1~1895825408,-1~1895825408~"
+                       "99999999999,99999999999~,~..~4096,2147483647",
+                       {kBlock});
 }
 
 std::vector<std::string> pieces() {
-    return {"1895825408",
-            "1895829503",
-            ",",
-            ".",
-            "-",
-            "+",
-            " ",
-            "0",
-            "9",
-            "2147483647",
-            "-2147483648",
-            "4294967295",
-            "4294967296",
-            "0x",
-            "fmem::",
-            "\\",
-            std::string(500, '1')};
+    return fuzz::parts("1895825408~1895829503~,~.~-~+~ ~0~9~2147483647~-2147483648~4294967295~4294967296~0x~"
+                       "fmem::~\\",
+                       {std::string(500, '1')});
 }
 
 char* block() {
@@ -53,14 +31,6 @@ char* block() {
         return static_cast<char*>(VirtualAlloc(reserved, kSize, MEM_COMMIT, PAGE_READWRITE));
     }();
     return memory;
-}
-
-template <class Call>
-void tried(Call call) {
-    try {
-        call();
-    } catch (const CXException&) {
-    }
 }
 
 void read(IXFile& file) {

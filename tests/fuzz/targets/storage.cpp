@@ -2,7 +2,6 @@
 // exception of the library or does something sensible, never anything else.
 #include "fuzz/target.h"
 
-#include "qzexception.h"
 #include "qzparam.h"
 #include "qzref.h"
 #include "qzstream.h"
@@ -14,6 +13,8 @@
 #include <utility>
 
 namespace {
+
+using fuzz::tried;
 
 using Storage = CQZRef<IXStorage>;
 using Stream = CQZRef<IXStream>;
@@ -98,14 +99,6 @@ std::vector<std::string> names_of(CTEnum<const char*>* taken) {
     while (all.size() < kMost && names->Next(1, &name, nullptr) != 0)
         all.emplace_back(name);
     return all;
-}
-
-template <class Call>
-void tried(Call call) {
-    try {
-        call();
-    } catch (const CXException&) {
-    }
 }
 
 void read_stream(IXStorage& storage, const std::string& name) {

@@ -28,17 +28,9 @@ std::vector<std::string> corpus() {
 }
 
 std::vector<std::string> pieces() {
-    std::vector<std::string> pieces = {"\0"s,
-                                       "\0\0"s,
-                                       "n\0"s,
-                                       "\n"s,
-                                       "\\"s,
-                                       "a\\b\0"s,
-                                       "\xFF\xFF\xFF\xFF"s,
-                                       "\xFF\xFF\xFF\x7F"s,
-                                       "\0\0\0\x10"s,
-                                       std::string(1030, 'n'),
-                                       "@\0"s};
+    std::vector<std::string> pieces =
+        fuzz::parts("\0~\0\0~n\0~\n~\\~a\\b\0~\xFF\xFF\xFF\xFF~\xFF\xFF\xFF\x7F~\0\0\0\x10~@\0"s,
+                    {std::string(1030, 'n')});
     for (char code = 0; code <= 20; ++code)
         pieces.push_back("v\0"s + code + "\0\4\0\0\0"s);
     return pieces;
