@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
-#include <cstdio>
 
 namespace forms {
 
@@ -25,14 +24,18 @@ std::string list(std::initializer_list<double> numbers) {
     return text;
 }
 
+std::string list(const std::initializer_list<long>& numbers) {
+    std::string text;
+    for (const long number : numbers)
+        text += (text.empty() ? "" : ",") + std::to_string(number);
+    return text;
+}
+
 std::string hex(const tagQZBLOB& blob) {
     std::string text;
-    const auto* const bytes = static_cast<const unsigned char*>(blob.pBlobData);
-    for (unsigned i = 0; i < blob.cbSize; ++i) {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02X", bytes[i]);
-        text += digits;
-    }
+    for (unsigned i = 0; i < blob.cbSize; ++i)
+        for (const int shift : {4, 0})
+            text += "0123456789ABCDEF"[static_cast<const unsigned char*>(blob.pBlobData)[i] >> shift & 15];
     return text;
 }
 
@@ -102,16 +105,15 @@ std::string describe(const tagQZVARIANT& v) {
     case QZVT_TEXT:
         return std::string("text '") + (v.pszVal != nullptr ? v.pszVal : "") + "'";
     case QZVT_SIZE:
-        return "size " + std::to_string(v.sizeVal.cx) + "," + std::to_string(v.sizeVal.cy);
+        return "size " + list({v.sizeVal.cx, v.sizeVal.cy});
     case QZVT_RSIZE:
         return "rsize " + list({v.rsizeVal.cx, v.rsizeVal.cy});
     case QZVT_POINT:
-        return "point " + std::to_string(v.pointVal.x) + "," + std::to_string(v.pointVal.y);
+        return "point " + list({v.pointVal.x, v.pointVal.y});
     case QZVT_RPOINT:
         return "rpoint " + list({v.rpointVal.x, v.rpointVal.y});
     case QZVT_RECT:
-        return "rect " + std::to_string(v.rectVal.left) + "," + std::to_string(v.rectVal.top) + "," +
-               std::to_string(v.rectVal.right) + "," + std::to_string(v.rectVal.bottom);
+        return "rect " + list({v.rectVal.left, v.rectVal.top, v.rectVal.right, v.rectVal.bottom});
     case QZVT_RRECT:
         return "rrect " + list({v.rrectVal.left, v.rrectVal.top, v.rrectVal.right, v.rrectVal.bottom});
     case QZVT_BLOB:

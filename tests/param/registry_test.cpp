@@ -94,45 +94,31 @@ TEST_F(Registry, StoresValuesAsTextsOrAsTaggedBytes) {
     EXPECT_EQ(stored(L"unknown"), "");
 }
 
+// The type (1 a text, 2 one with names of variables in it, 3 bytes, 4 and 11 numbers) and the bytes. A text
+// may lack its end or have half a character more; one of a single character is read as none unless its end is
+// there. The first four bytes are the tag; texts, objects and what is cut short are nothing.
 TEST_F(Registry, ReadsWhatOthersStored) {
-    const struct {
-        DWORD type;
-        const char* bytes;
-        const char* read;
-    } rows[] = {
-        {REG_SZ, "61 00 62 00", "text 'ab'"}, // without a terminator
-        {REG_SZ, "61 00 62 00 00 00 63 00 00 00", "text 'ab'"},
-        {REG_SZ, "61 00 62 00 63", "text 'ab'"}, // half a character more
-        {REG_SZ, "61 00", "text ''"},            // a single character, in the code page one byte
-        {REG_SZ, "61 00 00 00", "text 'a'"},
-        {REG_SZ, "00 00", "text ''"},
-        {REG_SZ, "", "text ''"},
-        {REG_DWORD, "05 00 00 00", "none"}, // a tag without its number
-        {REG_DWORD, "00 00 00 00", "empty"},
-        {REG_QWORD, "05 00 00 00 07 00 00 00", "int 7"},
-        {REG_EXPAND_SZ, "61 00 62 00 00 00", "none"},
-        {REG_BINARY, "", "none"},
-        {REG_BINARY, "05 00 00", "none"},
-        {REG_BINARY, "05 00 00 00 07 00 00", "none"},
-        {REG_BINARY, "05 00 00 00 07 00 00 00 99 99", "int 7"},
-        {REG_BINARY, "02 00 00 00", "none"},
-        {REG_BINARY, "10 00 00 00 00 00 00 00", "none"},
-        {REG_BINARY, "0a 00 00 00 61 62 00", "none"}, // a text is no binary data
-        {REG_BINARY, "12 00 00 00 00 00 00 00 00 00 00 00", "none"},
-        {REG_BINARY, "13 00 00 00 61 00 00 00", "none"},
-        {REG_BINARY, "14 00 00 00 61 00 00 00", "none"},
-        {REG_BINARY, "ff ff ff ff 61 00 00 00", "none"},
-        {REG_BINARY, "05 00 01 00 07 00 00 00", "none"}, // all four bytes are the tag
-        {REG_BINARY, "11 00 00 00 02 00 00", "none"},
-        {REG_BINARY, "11 00 00 00 03 00 00 00 aa bb", "none"},
-        {REG_BINARY, "11 00 00 00 ff ff ff ff aa bb", "none"},
-        {REG_BINARY, "11 00 00 00 01 00 00 00 aa bb", "blob AA"},
-        {REG_BINARY, "11 00 00 00 00 00 00 00", "blob "},
+    const std::vector<std::string> rows[] = {
+        {"1: 61 00 62 00 -> text 'ab'", "1: 61 00 62 00 00 00 63 00 00 00 -> text 'ab'",
+         "1: 61 00 62 00 63 -> text 'ab'", "1: 61 00 -> text ''", "1: 61 00 00 00 -> text 'a'",
+         "1: 00 00 -> text ''", "1:  -> text ''", "4: 05 00 00 00 -> none", "4: 00 00 00 00 -> empty",
+         "11: 05 00 00 00 07 00 00 00 -> int 7", "2: 61 00 62 00 00 00 -> none", "3:  -> none",
+         "3: 05 00 00 -> none", "3: 05 00 00 00 07 00 00 -> none",
+         "3: 05 00 00 00 07 00 00 00 99 99 -> int 7", "3: 02 00 00 00 -> none",
+         "3: 10 00 00 00 00 00 00 00 -> none", "3: 0a 00 00 00 61 62 00 -> none"},
+        {"3: 12 00 00 00 00 00 00 00 00 00 00 00 -> none", "3: 13 00 00 00 61 00 00 00 -> none",
+         "3: 14 00 00 00 61 00 00 00 -> none", "3: ff ff ff ff 61 00 00 00 -> none",
+         "3: 05 00 01 00 07 00 00 00 -> none", "3: 11 00 00 00 02 00 00 -> none",
+         "3: 11 00 00 00 03 00 00 00 aa bb -> none", "3: 11 00 00 00 ff ff ff ff aa bb -> none",
+         "3: 11 00 00 00 01 00 00 00 aa bb -> blob AA", "3: 11 00 00 00 00 00 00 00 -> blob "},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.type) + ": " + row.bytes);
-        store(L"v", row.type, test::from_hex(row.bytes));
-        EXPECT_EQ(value_in(*root_, "v"), row.read);
+    for (const auto& list : rows) {
+        for (const std::string& row : list) {
+            const std::size_t colon = row.find(':'), arrow = row.find(" -> ");
+            store(L"v", static_cast<DWORD>(std::stoi(row)),
+                  test::from_hex(row.substr(colon + 1, arrow - colon - 1)));
+            EXPECT_EQ(value_in(*root_, "v"), row.substr(arrow + 4)) << row;
+        }
     }
     CQZVariant out("cleared");
     EXPECT_EQ(root_->GetValue("none", &out), 0);
