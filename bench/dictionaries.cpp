@@ -3,6 +3,7 @@
 #include "bench/ledger.h"
 #include "bench/names.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -11,9 +12,6 @@
 namespace bench {
 
 namespace {
-
-using benchmark::DoNotOptimize;
-using benchmark::State;
 
 using Map = std::unordered_map<std::wstring, std::wstring>;
 
@@ -213,6 +211,49 @@ std::function<void()> keep_map() {
     return [map] {};
 }
 
+// Some pairs of a file, read line by line: all of them would raise the peak.
+template <class Translate>
+void check_some(const std::wstring& path, const Translate& translate) {
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    const auto text_of = [](std::string_view line) {
+        const std::string_view quoted = trimmed(line);
+        return widened(std::string(quoted.substr(1, quoted.size() - 2)));
+    };
+    std::string source, translation;
+    for (unsigned i = 0; i < kPairs; ++i) {
+        std::getline(file, source);
+        std::getline(file, translation);
+        if (i % 1000 == 0 && translate(text_of(source)) != text_of(translation)) std::abort();
+    }
+}
+
+// The library itself is there before the measurement begins.
+struct PeakSides {
+    std::wstring path = dictionary_file_from_aside(kPairs);
+    DictionaryLibrary library{"fresh"};
+};
+
+void peak_row(Ledger& ledger) {
+    const auto sides = std::make_shared<std::unique_ptr<PeakSides>>();
+    ledger.row(MemoryRow{"dictionaries", "peak of loading 200k pairs, bytes a pair", kMapName, 1, kPairs,
+                         [sides] { *sides = std::make_unique<PeakSides>(); },
+                         [sides]() -> std::function<void()> {
+                             const PeakSides& made = **sides;
+                             made.library.add(made.path.c_str());
+                             check_some(made.path, [&](const std::wstring& text) -> std::wstring {
+                                 return made.library.translate(text.c_str());
+                             });
+                             return [sides] {};
+                         },
+                         [sides]() -> std::function<void()> {
+                             const std::wstring& path = (*sides)->path;
+                             const auto map = std::make_shared<Map>(load_map(path));
+                             check_some(path, [&](const std::wstring& text) { return map->at(text); });
+                             return [map] {};
+                         },
+                         Measure::peak});
+}
+
 } // namespace
 
 void dictionary_rows(Ledger& ledger) {
@@ -226,6 +267,7 @@ void dictionary_rows(Ledger& ledger) {
                          [] { return keep_library(false); }, keep_map});
     ledger.row(MemoryRow{"dictionaries", "bytes of each of 200k pairs, all translated once", kMapName, 1,
                          kPairs, prepare, [] { return keep_library(true); }, keep_map});
+    peak_row(ledger);
 }
 
 } // namespace bench

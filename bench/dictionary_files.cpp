@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <process.h>
 
 namespace fs = std::filesystem;
 
@@ -49,6 +50,13 @@ void find(HMODULE module, const char* name, Function*& found) {
     std::exit(2);
 }
 
+void write_pairs(fs::path path, const std::vector<TextPair>& pairs) {
+    std::ofstream file(path, std::ios::binary);
+    for (const TextPair& pair : pairs)
+        file << '"' << pair.source << "\"\r\n\"" << pair.translation << "\"\r\n";
+    std::ofstream(path.replace_extension(".dlg"), std::ios::binary);
+}
+
 // Copied once, for there are many of one name in turn.
 fs::path copy_of_library(const std::string& name) {
     fs::path path = scratch_folder() / ("qzrcore_" + name + ".dll");
@@ -82,11 +90,20 @@ const fs::path& scratch_folder() {
 
 std::wstring write_dictionary(const std::string& name, const std::vector<TextPair>& pairs) {
     const fs::path path = scratch_folder() / (name + ".wld");
-    std::ofstream file(path, std::ios::binary);
-    for (const TextPair& pair : pairs)
-        file << '"' << pair.source << "\"\r\n\"" << pair.translation << "\"\r\n";
-    std::ofstream(scratch_folder() / (name + ".dlg"), std::ios::binary);
+    write_pairs(path, pairs);
     return path.wstring();
+}
+
+void write_dictionary_file(unsigned pairs, const fs::path& path) { write_pairs(path, text_pairs(pairs)); }
+
+std::wstring dictionary_file_from_aside(unsigned pairs) {
+    std::wstring path = (scratch_folder() / (std::to_string(pairs) + "_aside.wld")).wstring();
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    if (_wspawnl(_P_WAIT, program, L"qzrbench", L"--dictionary", std::to_wstring(pairs).c_str(),
+                 (L'"' + path + L'"').c_str(), nullptr) != 0)
+        std::exit(2);
+    return path;
 }
 
 const std::wstring& dictionary_file(unsigned pairs) {

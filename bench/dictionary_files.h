@@ -24,6 +24,10 @@ const std::filesystem::path& scratch_folder();
 /// A dictionary of so many pairs, with its companion; written once.
 const std::wstring& dictionary_file(unsigned pairs);
 
+/// The same, written by another process: this one's peak of memory stays as it is.
+std::wstring dictionary_file_from_aside(unsigned pairs);
+void write_dictionary_file(unsigned pairs, const std::filesystem::path& path); ///< what that process does
+
 /// Writes a dictionary, with an empty companion.
 std::wstring write_dictionary(const std::string& name, const std::vector<TextPair>& pairs);
 

@@ -1,5 +1,6 @@
 // Files, beside the platform's calls on files that are opened in the same way.
 #include "bench/ledger.h"
+#include "bench/pieces.h"
 #include "bench/temporary_folder.h"
 #include "qzfile.h"
 #include "qzref.h"
@@ -15,60 +16,19 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
-
-constexpr unsigned kPiece = 4096;
 constexpr unsigned kPieces = 64 * 1024 * 1024 / kPiece;
-
-using Piece = std::array<char, kPiece>;
-
-Piece numbered(unsigned number) {
-    Piece piece;
-    piece.fill('x');
-    std::memcpy(piece.data(), &number, sizeof number);
-    return piece;
-}
-
-unsigned number_of(const void* bytes) {
-    unsigned number = 0;
-    std::memcpy(&number, bytes, sizeof number);
-    return number;
-}
 
 // --- reading and writing from front to back --------------------------------------------------------------
 
-// Each piece bears its number.
-template <class Write>
-void write_pieces(const Write& write) {
-    Piece piece = numbered(0);
-    for (unsigned i = 0; i < kPieces; ++i) {
-        std::memcpy(piece.data(), &i, sizeof i);
-        write(piece.data(), kPiece);
-    }
-}
-
-// The sum of all numbers.
-template <class Read>
-unsigned long long read_pieces(const Read& read) {
-    Piece piece;
-    unsigned long long sum = 0;
-    while (read(piece.data(), kPiece) != 0)
-        sum += number_of(piece.data());
-    return sum;
-}
-
-constexpr unsigned long long kSumOfNumbers = kPieces * (kPieces - 1ULL) / 2;
-
 void write_by_library(const std::wstring& path) {
     IXFile* const file = Fio_Open(path.c_str(), QZFILE_WRITE);
-    write_pieces([file](const void* data, unsigned count) { file->Write(data, count); });
+    write_pieces(kPieces, [file](const void* data, unsigned count) { file->Write(data, count); });
     file->Release();
 }
 
 void write_by_platform(const std::wstring& path) {
     const PlatformHandle file = create_for_writing(path);
-    write_pieces([&file](const void* data, unsigned count) {
+    write_pieces(kPieces, [&file](const void* data, unsigned count) {
         DWORD written = 0;
         WriteFile(file.get(), data, count, &written, nullptr);
     });
@@ -110,9 +70,9 @@ bool pieces_are_right() {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"pieces");
     write_by_library(path);
-    if (read_by_platform(path) != kSumOfNumbers) return false;
+    if (read_by_platform(path) != sum_below(kPieces)) return false;
     write_by_platform(path);
-    return read_by_library(path) == kSumOfNumbers;
+    return read_by_library(path) == sum_below(kPieces);
 }
 
 void sequence_rows(Ledger& ledger) {
@@ -334,23 +294,23 @@ constexpr unsigned kReplacements = 50;
 struct Document {
     Document() { write(0); }
     void write(unsigned number) const {
-        const Piece piece = numbered(number);
+        const auto piece = numbered<kPiece>(number);
         DWORD written = 0;
         WriteFile(create_for_writing(path).get(), piece.data(), kPiece, &written, nullptr);
     }
     void replace_by_library(unsigned number) const {
-        const Piece piece = numbered(number);
+        const auto piece = numbered<kPiece>(number);
         const auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(path.c_str(), 0));
         file->Write(piece.data(), kPiece);
         file->Commit();
     }
     bool replace_by_platform(unsigned number) const {
-        const Piece piece = numbered(number);
+        const auto piece = numbered<kPiece>(number);
         return replace_bare(folder, path, {piece.data(), kPiece});
     }
     // The number in the document, when it is all that the folder holds.
     unsigned number() const {
-        Piece piece = {};
+        std::array<char, kPiece> piece = {};
         DWORD read = 0;
         ReadFile(open_for_reading(path).get(), piece.data(), kPiece, &read, nullptr);
         const std::filesystem::directory_iterator entries(folder.path());

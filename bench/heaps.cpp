@@ -11,9 +11,6 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
-
 constexpr std::size_t kSize = 64;
 constexpr unsigned kBlocks = 10000;
 

@@ -11,9 +11,6 @@ namespace bench {
 
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
-
 // The resources in hooks.rc.
 constexpr unsigned kFirstString = 1000;
 constexpr unsigned kStrings = 1000;

@@ -13,8 +13,6 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
 using boost::property_tree::ptree;
 
 constexpr unsigned kKeys = 10'000;

@@ -7,8 +7,11 @@
 
 namespace bench {
 
+using benchmark::DoNotOptimize;
+using benchmark::State;
+
 /// Times one side of a row: prepares, then works once for each turn of the state.
-using Body = std::function<void(benchmark::State&)>;
+using Body = std::function<void(State&)>;
 
 /// The same work done by the library and by what its user would take instead.
 struct Row {

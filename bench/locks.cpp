@@ -8,8 +8,6 @@
 namespace bench {
 namespace {
 
-using benchmark::State;
-
 // What a critical section of the library is: a mutex of the system with a name, then a section.
 class BareSection {
 public:

@@ -3,8 +3,10 @@
 //   qzrbench [--benchmark_...]             time the rows
 //   qzrbench --memory                      name the rows that measure memory
 //   qzrbench --memory INDEX library|counterpart   print the bytes that one side of such a row takes
+//   qzrbench --dictionary PAIRS FILE       write a dictionary, for a row that must not have done so itself
 //
 // The names are "group|work|beside|target|side".
+#include "bench/dictionary_files.h"
 #include "bench/ledger.h"
 
 #include <cstdio>
@@ -100,6 +102,10 @@ bool check(const Rows& rows, const std::regex& wanted) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 3 && std::strcmp(argv[1], "--dictionary") == 0) {
+        bench::write_dictionary_file(static_cast<unsigned>(std::atoi(argv[2])), argv[3]);
+        return 0;
+    }
     Rows rows;
     bench::string_rows(rows);
     bench::variant_rows(rows);

@@ -1,11 +1,11 @@
 // Compound files on the disk, beside the same calls to the platform's storages.
 #include "bench/ledger.h"
+#include "bench/pieces.h"
 #include "bench/temporary_folder.h"
 #include "qzref.h"
 #include "qzstream.h"
 
 #include <array>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -14,12 +14,8 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
-
 constexpr unsigned kStreams = 1000;
 constexpr unsigned kSmall = 100;
-constexpr unsigned kPiece = 4096;
 constexpr unsigned kPieces = 16 * 1024 * 1024 / kPiece;
 
 // The names of the streams, narrow for the library and wide for the platform.
@@ -33,20 +29,6 @@ struct Names {
     std::vector<std::string> narrow;
     std::vector<std::wstring> wide;
 };
-
-template <unsigned Size>
-std::array<char, Size> numbered(unsigned number) {
-    std::array<char, Size> bytes;
-    bytes.fill('s');
-    std::memcpy(bytes.data(), &number, sizeof number);
-    return bytes;
-}
-
-unsigned number_of(const void* bytes) {
-    unsigned number = 0;
-    std::memcpy(&number, bytes, sizeof number);
-    return number;
-}
 
 struct LibrarySide {
     using Storage = CQZRef<IXStorage>;
@@ -138,11 +120,7 @@ template <class Side>
 void write_large(const Place& place) {
     const auto storage = Side::create(place.path);
     const auto stream = Side::create_stream(storage, place.names, 0);
-    auto piece = numbered<kPiece>(0);
-    for (unsigned i = 0; i < kPieces; ++i) {
-        std::memcpy(piece.data(), &i, sizeof i);
-        Side::write(stream, piece.data(), kPiece);
-    }
+    write_pieces(kPieces, [&stream](const void* data, unsigned count) { Side::write(stream, data, count); });
     Side::commit(storage);
 }
 
@@ -150,14 +128,8 @@ template <class Side>
 unsigned long long read_large(const Place& place) {
     const auto storage = Side::open(place.path);
     const auto stream = Side::open_stream(storage, place.names, 0);
-    unsigned long long sum = 0;
-    std::array<char, kPiece> piece;
-    while (Side::read(stream, piece.data(), kPiece) == kPiece)
-        sum += number_of(piece.data());
-    return sum;
+    return read_pieces([&stream](void* data, unsigned count) { return Side::read(stream, data, count); });
 }
-
-constexpr unsigned long long sum_below(unsigned long long count) { return count * (count - 1) / 2; }
 
 // What one side wrote the other reads.
 bool streams_are_right() {

@@ -17,8 +17,6 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
 using Stream = CQZRef<IXStream>;
 
 constexpr unsigned kPiece = 4096;

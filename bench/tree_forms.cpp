@@ -12,8 +12,6 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
-using benchmark::State;
 using nlohmann::json;
 using Stream = CQZRef<IXStream>;
 

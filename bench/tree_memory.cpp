@@ -16,7 +16,6 @@
 namespace bench {
 namespace {
 
-using benchmark::DoNotOptimize;
 using nlohmann::json;
 using Stream = CQZRef<IXStream>;
 
