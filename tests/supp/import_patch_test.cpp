@@ -242,38 +242,49 @@ TEST(ImportPatch, NothingOutsideTheModuleIsTouched) {
     VirtualFree(base, 0, MEM_RELEASE);
 }
 
+struct Headers {
+    IMAGE_DOS_HEADER& dos;
+    IMAGE_NT_HEADERS& nt;
+    IMAGE_IMPORT_DESCRIPTOR& first;
+};
+
 TEST(ImportPatch, HeadersOfAnotherLayoutAreRefused) {
     const Module target("hook_target.dll");
     const struct {
         const char* name;
-        void (*damage)(IMAGE_NT_HEADERS&);
+        void (*damage)(Headers);
     } rows[] = {
-        {"signature", [](IMAGE_NT_HEADERS& h) { h.Signature ^= 0x10000; }},
-        {"optional header of 224 bytes",
-         [](IMAGE_NT_HEADERS& h) { h.FileHeader.SizeOfOptionalHeader = 224; }},
-        {"no directories", [](IMAGE_NT_HEADERS& h) { h.OptionalHeader.NumberOfRvaAndSizes = 1; }},
+        {"headers before the image", [](Headers h) { h.dos.e_lfanew = -8; }},
+        {"headers behind the end", [](Headers h) { h.dos.e_lfanew = 0x7FFFFFF0; }},
+        {"not of 64 bits", [](Headers h) { h.nt.OptionalHeader.Magic = IMAGE_NT_OPTIONAL_HDR32_MAGIC; }},
+        {"a table that is nowhere", [](Headers h) { h.first.FirstThunk = 0; }},
+        {"a table off its alignment", [](Headers h) { h.first.FirstThunk += 4; }},
+        {"signature", [](Headers h) { h.nt.Signature ^= 0x10000; }},
+        {"optional header of 224 bytes", [](Headers h) { h.nt.FileHeader.SizeOfOptionalHeader = 224; }},
+        {"no directories", [](Headers h) { h.nt.OptionalHeader.NumberOfRvaAndSizes = 1; }},
         {"no import directory",
-         [](IMAGE_NT_HEADERS& h) {
-             h.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress = 0;
+         [](Headers h) {
+             h.nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress = 0;
          }},
         {"import directory behind the end",
-         [](IMAGE_NT_HEADERS& h) {
-             h.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress = 0x7FFFFFF0;
+         [](Headers h) {
+             h.nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress = 0x7FFFFFF0;
          }},
-        {"a size that ends before the imports",
-         [](IMAGE_NT_HEADERS& h) { h.OptionalHeader.SizeOfImage = 0x1000; }},
+        {"a size that ends before the imports", [](Headers h) { h.nt.OptionalHeader.SizeOfImage = 0x1000; }},
         {"a size of more than there is, and imports there",
-         [](IMAGE_NT_HEADERS& h) {
-             auto& directory = h.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-             directory = h.OptionalHeader.SizeOfImage - 8;
-             h.OptionalHeader.SizeOfImage = 0xFFFFF000;
+         [](Headers h) {
+             auto& directory = h.nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+             directory = h.nt.OptionalHeader.SizeOfImage - 8;
+             h.nt.OptionalHeader.SizeOfImage = 0xFFFFF000;
          }},
     };
     ImageCopy copy(target.get());
     for (const auto& row : rows) {
         copy.reset();
-        const long offset = reinterpret_cast<IMAGE_DOS_HEADER*>(&copy[0])->e_lfanew;
-        row.damage(*reinterpret_cast<IMAGE_NT_HEADERS*>(&copy[static_cast<std::size_t>(offset)]));
+        auto& dos = *reinterpret_cast<IMAGE_DOS_HEADER*>(&copy[0]);
+        auto& nt = *reinterpret_cast<IMAGE_NT_HEADERS*>(&copy[static_cast<std::size_t>(dos.e_lfanew)]);
+        const auto imports = nt.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+        row.damage({dos, nt, *reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(&copy[imports])});
         const std::string before = copy.bytes();
         EXPECT_EQ(HookProc_Install(copy.module(), "KERNEL32", "MulDiv", kAddThree), nullptr) << row.name;
         EXPECT_TRUE(copy.bytes() == before) << row.name;
