@@ -30,6 +30,7 @@ class ScratchFolder {
 public:
     ScratchFolder()
         : path_(fs::temp_directory_path() / ("qzrbench_" + std::to_string(GetCurrentProcessId()))) {
+        fs::remove_all(path_); // of an earlier process with this number: an older library may lie there
         fs::create_directories(path_);
     }
     ~ScratchFolder() {
