@@ -27,6 +27,7 @@ struct Lanes<char> {
     static constexpr std::size_t kUnits = kBlock;
     static __m128i all(char c) { return _mm_set1_epi8(c); }
     static __m128i equal(__m128i a, __m128i b) { return _mm_cmpeq_epi8(a, b); }
+    static __m128i least(__m128i a, __m128i b) { return _mm_min_epu8(a, b); }
     static unsigned beyond_ascii(__m128i v) { return mask_of(v); }
     static bool is_ascii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 };
@@ -36,6 +37,7 @@ struct Lanes<wchar_t> {
     static constexpr std::size_t kUnits = kBlock / 2;
     static __m128i all(wchar_t c) { return _mm_set1_epi16(static_cast<short>(c)); }
     static __m128i equal(__m128i a, __m128i b) { return _mm_cmpeq_epi16(a, b); }
+    static __m128i least(__m128i a, __m128i b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
     static unsigned beyond_ascii(__m128i v) {
         const __m128i high = _mm_and_si128(v, _mm_set1_epi16(static_cast<short>(0xFF80)));
         return mask_of(_mm_cmpeq_epi16(high, _mm_setzero_si128())) ^ 0xFFFFU;
@@ -68,7 +70,7 @@ std::uint64_t bits_of_line(const __m128i* line, Mask mask) {
 
 // Bits of the bytes of a line that are in zero units.
 template <class Unit>
-std::uint64_t zeroes(const __m128i* line) {
+[[gnu::always_inline]] inline std::uint64_t zeroes(const __m128i* line) {
     return bits_of_line(line, [](__m128i v) { return mask_of(Lanes<Unit>::equal(v, _mm_setzero_si128())); });
 }
 
@@ -80,10 +82,11 @@ std::uint64_t beyond_ascii(const __m128i* line) {
 
 template <class Unit>
 bool has_zero(const __m128i* line) {
-    const auto equal = [=](int block) {
-        return Lanes<Unit>::equal(_mm_load_si128(line + block), _mm_setzero_si128());
+    const auto least_of = [=](int at) {
+        return Lanes<Unit>::least(_mm_load_si128(line + at), _mm_load_si128(line + at + 1));
     };
-    return mask_of(_mm_or_si128(_mm_or_si128(equal(0), equal(1)), _mm_or_si128(equal(2), equal(3)))) != 0;
+    const __m128i least = Lanes<Unit>::least(least_of(0), least_of(2));
+    return mask_of(Lanes<Unit>::equal(least, _mm_setzero_si128())) != 0;
 }
 
 // An odd wide text has units that lie across blocks.
@@ -94,8 +97,29 @@ std::size_t walked_length(const wchar_t* text, std::size_t limit) {
     return n;
 }
 
+// Of the bit of a unit's first byte.
+std::size_t unit_at(std::uint64_t found, std::size_t unit_size) {
+    return static_cast<unsigned>(std::countr_zero(found)) / unit_size;
+}
+
 // Nearly every operation on a string begins here, since none keeps its length. Whole lines leave the
 // processor nothing to guess but their number: half the time of one block after the other where lengths vary.
+template <class Unit>
+std::size_t length(const Unit* text) {
+    const auto address = reinterpret_cast<std::uintptr_t>(text);
+    if constexpr (sizeof(Unit) != 1)
+        if (address % sizeof(Unit) != 0) return walked_length(text, SIZE_MAX);
+    const __m128i* line = line_of(address);
+    const std::size_t skipped = address % kLine;
+    const std::uint64_t found = zeroes<Unit>(line) >> skipped;
+    if (found != 0) return unit_at(found, sizeof(Unit));
+    do
+        line += kBlocksOfLine;
+    while (!has_zero<Unit>(line));
+    const std::size_t seen = reinterpret_cast<std::uintptr_t>(line) - address;
+    return seen / sizeof(Unit) + unit_at(zeroes<Unit>(line), sizeof(Unit));
+}
+
 template <class Unit>
 std::size_t length(const Unit* text, std::size_t limit) {
     const auto address = reinterpret_cast<std::uintptr_t>(text);
@@ -114,7 +138,7 @@ std::size_t length(const Unit* text, std::size_t limit) {
         if (seen >= limit) return limit;
         found = zeroes<Unit>(line);
     }
-    return std::min(seen + static_cast<unsigned>(std::countr_zero(found)) / sizeof(Unit), limit);
+    return std::min(seen + unit_at(found, sizeof(Unit)), limit);
 }
 
 // The first of n units that is a hit, or n. `block` gives the hits among the units of a block as bits of a
@@ -287,8 +311,7 @@ MeasuredText measure(const Unit* text) {
         beyond = beyond_ascii<Unit>(line);
     }
     const std::uint64_t before_end = (found & (0 - found)) - 1;
-    return {seen + static_cast<unsigned>(std::countr_zero(found)) / sizeof(Unit),
-            ascii && (beyond & before_end) == 0};
+    return {seen + unit_at(found, sizeof(Unit)), ascii && (beyond & before_end) == 0};
 }
 
 template <class Unit>
@@ -300,8 +323,8 @@ std::size_t prefix(const Unit* a, const Unit* b, std::size_t n) {
 
 } // namespace
 
-std::size_t text_length(const char* text) noexcept { return length(text, SIZE_MAX); }
-std::size_t text_length(const wchar_t* text) noexcept { return length(text, SIZE_MAX); }
+std::size_t text_length(const char* text) noexcept { return length(text); }
+std::size_t text_length(const wchar_t* text) noexcept { return length(text); }
 std::size_t text_length(const char* text, std::size_t limit) noexcept { return length(text, limit); }
 std::size_t text_length(const wchar_t* text, std::size_t limit) noexcept { return length(text, limit); }
 

@@ -78,6 +78,26 @@ TYPED_TEST(Scanning, StaysInBoundsAtBothEndsOfAPage) {
     EXPECT_EQ(text_length(open, 21), 21U);
 }
 
+// Units whose bytes are zero, or that are negative as signed numbers, beside each other in whole lines.
+TYPED_TEST(Scanning, TakesNoOtherUnitForTheEnd) {
+    const unsigned units[] = {0x01, 0x7F, 0x80, 0xFF, 0x100, 0x7FFF, 0x8000, 0xFF00};
+    for (const unsigned a : units)
+        for (const unsigned b : units) {
+            const auto other = static_cast<TypeParam>(a);
+            const auto unit = static_cast<TypeParam>(b);
+            if (other == 0 || unit == 0) continue;
+            SCOPED_TRACE(std::to_string(a) + " and " + std::to_string(b));
+            std::basic_string<TypeParam> text(300, unit);
+            for (std::size_t at = 0; at < text.size(); at += 16 / sizeof(TypeParam))
+                text[at] = other;
+            for (std::size_t from = 0; from < 70; ++from) {
+                ASSERT_EQ(text_length(text.c_str() + from), text.size() - from);
+                ASSERT_EQ(text_length(text.c_str() + from, text.size()), text.size() - from);
+                ASSERT_EQ(measure_text(text.c_str() + from).length, text.size() - from);
+            }
+        }
+}
+
 TYPED_TEST(Scanning, FindsAtEveryPlace) {
     std::basic_string<TypeParam> text(64, TypeParam('a'));
     for (std::size_t from = 0; from < 18; ++from)
