@@ -39,10 +39,11 @@ void block_free(void* p, std::size_t n) noexcept {
 }
 
 void* block_grow(void* p, std::size_t old_n, std::size_t n) {
-    if (block_refits(old_n, n)) return p;
+    const std::size_t room = BlockCache::rounded(old_n);
+    if (n <= room) return p;
     if (!BlockCache::keeps(old_n)) return CHeap::stretch(p, BlockCache::rounded(n));
     void* const grown = block_alloc(n);
-    move_block(grown, p, BlockCache::rounded(old_n));
+    move_block(grown, p, room);
     block_free(p, old_n);
     return grown;
 }

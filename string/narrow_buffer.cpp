@@ -93,11 +93,7 @@ void CXString::ReleaseBuffer(int) {
 
 // --- joining
 
-namespace {
-
-std::size_t length_or_0(const char* text) { return text != nullptr ? text_length(text) : 0; }
-
-} // namespace
+namespace {} // namespace
 
 CXString operator+(const CXString& a, const CXString& b) {
     return string_of(join_texts(a.GetData(), a.GetSize(), b.GetData(), b.GetSize()));

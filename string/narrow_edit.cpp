@@ -69,11 +69,11 @@ void map_beyond_ascii(char* text, char* end, Map map) {
 } // namespace
 
 CXString& CXString::Insert(int pos, const char* s) {
-    if (s == nullptr || *s == 0) return *this;
+    const std::size_t added = length_or_0(s);
+    if (added == 0) return *this;
     const std::size_t length = text_length(m_pszData);
-    const std::size_t added = text_length(s);
     const std::size_t at = bytes_before(m_pszData, length, static_cast<unsigned>(pos));
-    edit_text<char>(m_pszData, {length, at, 0, s, added, std::uint64_t{length} + added + 1});
+    insert_text(m_pszData, length, at, s, added);
     return *this;
 }
 

@@ -69,8 +69,6 @@ int replace_first(CXString& s, const char* find, std::size_t find_size, const ch
     return 1;
 }
 
-std::size_t length_or_0(const char* text) { return text != nullptr ? text_length(text) : 0; }
-
 } // namespace
 
 int CXString::Find(const char* s, int start) const {

@@ -11,7 +11,13 @@ namespace qzr {
 std::size_t text_length(const char* text) noexcept;
 std::size_t text_length(const wchar_t* text) noexcept;
 
-// As above, looking at `limit` units at most.
+// The same, and 0 for null.
+template <class Unit>
+std::size_t length_or_0(const Unit* text) noexcept {
+    return text != nullptr ? text_length(text) : 0;
+}
+
+// As the first, looking at `limit` units at most.
 std::size_t text_length(const char* text, std::size_t limit) noexcept;
 std::size_t text_length(const wchar_t* text, std::size_t limit) noexcept;
 

@@ -239,6 +239,27 @@ void edit_text(Unit*& text, const TextEdit<Unit>& e) {
     header_of(text)->length = static_cast<int>(result);
 }
 
+// Grows an own block to exactly the first `at` units with n of s, which lies elsewhere, behind them.
+template <class Unit>
+void grow_and_append(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
+    stretch_text(text, std::uint64_t{at} + n + 1);
+    copy_units(text + at, s, n);
+    text[at + n] = 0;
+}
+
+// Inserts n units of s at `at` into a text of `length` units. Appending to a full block is the most frequent
+// edit by far, and taken as one of any kind it lasts a fifth longer.
+template <class Unit>
+void insert_text(Unit*& text, std::size_t length, std::size_t at, const Unit* s, std::size_t n) {
+    const std::uint64_t room = std::uint64_t{length} + n + 1;
+    if (at == length && room > capacity_units(text) && owns_block(text) && !reads_text(text, s)) {
+        grow_and_append(text, length, s, n);
+        header_of(text)->length = static_cast<int>(length + n);
+        return;
+    }
+    edit_text<Unit>(text, {length, at, 0, s, n, room});
+}
+
 // Appends at `at`, dropping what followed.
 template <class Unit>
 void overwrite_text(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
@@ -249,9 +270,7 @@ void overwrite_text(Unit*& text, std::size_t at, const Unit* s, std::size_t n) {
         return;
     }
     if (owns_block(text) && (n == 0 || !reads_text(text, s))) {
-        stretch_text(text, room);
-        copy_units(text + at, s, n);
-        text[at + n] = 0;
+        grow_and_append(text, at, s, n);
         header_of(text)->length = static_cast<int>(room);
         return;
     }

@@ -89,11 +89,7 @@ void CXStringW::ReleaseBuffer(int) {
 
 // --- joining
 
-namespace {
-
-std::size_t length_or_0(const wchar_t* text) { return text != nullptr ? text_length(text) : 0; }
-
-} // namespace
+namespace {} // namespace
 
 CXStringW operator+(const CXStringW& a, const CXStringW& b) {
     return string_of(join_texts(a.GetData(), a.GetSize(), b.GetData(), b.GetSize()));

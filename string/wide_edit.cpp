@@ -36,11 +36,11 @@ void unlock(wchar_t* text) {
 } // namespace
 
 CXStringW& CXStringW::Insert(int pos, const wchar_t* s) {
-    if (s == nullptr || *s == 0) return *this;
+    const std::size_t added = length_or_0(s);
+    if (added == 0) return *this;
     const std::size_t length = GetSize();
-    const std::size_t added = text_length(s);
     const std::size_t at = std::min<std::size_t>(static_cast<unsigned>(pos), length);
-    edit_text<wchar_t>(m_pszData, {length, at, 0, s, added, std::uint64_t{length} + added + 1});
+    insert_text(m_pszData, length, at, s, added);
     return *this;
 }
 

@@ -36,8 +36,6 @@ int replace_first(CXStringW& s, const wchar_t* find, std::size_t find_units, con
     return 1;
 }
 
-std::size_t length_or_0(const wchar_t* text) { return text != nullptr ? text_length(text) : 0; }
-
 // Units of a character given as one unit; zero is no character.
 std::size_t one(wchar_t c) { return c != 0 ? 1 : 0; }
 

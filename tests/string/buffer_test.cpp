@@ -234,6 +234,7 @@ TYPED_TEST(StringBlocks, ArgumentsMayLieInTheStringItself) {
         {"appending itself", [](S& s) { s.ConcatCopy(s.GetData(), 6); }, "abcdefabcdef"},
         {"appending a part over the end", [](S& s) { s.ConcatCopyTo(3, s.GetData() + 1, 5); }, "abcbcdef"},
         {"inserting a part", [](S& s) { s.Insert(1, s.GetData() + 3); }, "adefbcdef"},
+        {"inserting a part at the end", [](S& s) { s.Insert(6, s.GetData() + 3); }, "abcdefdef"},
         {"replacing by a part", [](S& s) { s.Replace(0, 5, s.GetData() + 1); }, "bcdeff"},
         {"replacing by as much", [](S& s) { s.Replace(0, 3, s.GetData() + 3); }, "defdef"},
         {"replacing what was found", [](S& s) { s.FindReplace(s.GetData() + 4, s.GetData()); }, "abcdabcdef"},
