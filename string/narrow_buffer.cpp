@@ -93,8 +93,6 @@ void CXString::ReleaseBuffer(int) {
 
 // --- joining
 
-namespace {} // namespace
-
 CXString operator+(const CXString& a, const CXString& b) {
     return string_of(join_texts(a.GetData(), a.GetSize(), b.GetData(), b.GetSize()));
 }

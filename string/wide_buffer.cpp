@@ -89,8 +89,6 @@ void CXStringW::ReleaseBuffer(int) {
 
 // --- joining
 
-namespace {} // namespace
-
 CXStringW operator+(const CXStringW& a, const CXStringW& b) {
     return string_of(join_texts(a.GetData(), a.GetSize(), b.GetData(), b.GetSize()));
 }
