@@ -61,12 +61,14 @@ unsigned CIniFileParam::InternalRelease() {
     return 0;
 }
 
-// A list that was cut does not tell, and one that was refused would let the mark replace a default value.
+// A list that was cut does not tell, nor an empty one: a line that begins with "=" hides those behind it. One
+// that was refused would let the mark replace a default value.
 void CIniFileParam::mark_unless_in(ProfileNames keys) const {
     if (keys.refused()) return;
     const Profile file = profile();
     Vector<char> text;
-    if (keys.cut() && file.read(section_.GetData(), kMark, text) != 0) return;
+    const bool whole = !keys.cut() && !keys.empty();
+    if (!whole && file.read(section_.GetData(), kMark, text) != 0) return;
     if (has_key(std::move(keys), kMark)) return;
     const CXStringW directory(file_.FilePath().GetData());
     Fio_CreateDirectory(directory.GetData());
@@ -176,17 +178,18 @@ void CIniFileParam::DeleteValue(const char* name) {
     profile().remove_key(section_.GetData(), value_name(name));
 }
 
-// A list that was cut is asked for again as long as it begins with another key.
+// Deleting a key takes its first line away, so that each line counts, and not each key. A list that was cut
+// is asked for again as long as it begins with another line.
 void CIniFileParam::DeleteAllValues() {
     HeapText first_before;
     for (bool more = true; more;) {
-        ProfileNames keys = profile().keys(section_.GetData());
-        const char* key = keys.next();
-        if (key == nullptr || first_before == key) break;
-        first_before = key;
-        for (; key != nullptr; key = keys.next())
-            DeleteValue(key);
-        more = keys.cut();
+        ProfileNames lines = profile().lines(section_.GetData());
+        const char* line = lines.next();
+        if (line == nullptr || first_before == line) break;
+        first_before = line;
+        for (; line != nullptr; line = lines.next())
+            DeleteValue(HeapText(line, std::strcspn(line, "=")).c_str());
+        more = lines.cut();
     }
     profile().write(section_.GetData(), kMark, kEmptyText);
 }

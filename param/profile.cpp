@@ -74,6 +74,16 @@ ProfileNames Profile::list(const char* section) const {
     return {std::move(names), size, size == 0 && refused(last_error())};
 }
 
+ProfileNames Profile::lines(const char* section) const {
+    Vector<char> lines(kProfileRoom);
+    unsigned size = 0;
+    if (fits(section) && fits(file_))
+        size = GetPrivateProfileSectionA(section, lines.data(), kProfileRoom, file_);
+    size = std::min(size, kProfileRoom - 1);
+    lines[size] = '\0';
+    return {std::move(lines), size, false};
+}
+
 void Profile::write(const char* section, const char* key, const char* text) const noexcept {
     if (fits(section) && fits(key) && fits(text) && fits(file_))
         WritePrivateProfileStringA(section, key, text, file_);

@@ -11,7 +11,7 @@ namespace qzr {
 // What the platform hands out fits this many bytes, terminators included; the rest is cut off.
 constexpr unsigned kProfileRoom = 64000;
 
-// Names that the platform listed.
+// Names, or lines, that the platform listed.
 class ProfileNames {
 public:
     // The next name, or null at the end. It lives as long as the list.
@@ -47,6 +47,10 @@ public:
 
     // A section exists while it has a key.
     ProfileNames keys(const char* section) const { return list(section); }
+
+    // "key=text" for each line of a section. A key stands there as often as in the file, and without "="
+    // where that is missing, while the list of keys lacks it.
+    ProfileNames lines(const char* section) const;
 
     // Stores the text in text, with its terminator, and returns its length.
     unsigned read(const char* section, const char* key, Vector<char>& text) const;

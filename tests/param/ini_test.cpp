@@ -226,6 +226,9 @@ TEST_F(Ini, DeletesSectionsWithWhatIsBelowThem) {
     EXPECT_EQ(contents(), "[Other]\r\nx=1\r\n");
     tree_on("[\\]\r\n@=i5\r\na=i1\r\n; comment\r\nb=i2\r\n[\\s]\r\n@=e\r\n")->DeleteAllValues();
     EXPECT_EQ(contents(), "[\\]\r\n; comment\r\n@=e\r\n[\\s]\r\n@=e\r\n"); // with its mark
+    tree_on("[\\]\r\nb=i1\r\nB=i2\r\nb\r\nc\r\nc=i3\r\n@\r\n@=i4\r\n=i5\r\n")
+        ->DeleteAllValues(); // of each key
+    EXPECT_EQ(contents(), "[\\]\r\n=i5\r\n@=e\r\n");
 }
 
 TEST_F(Ini, ChildrenKeepTheirParents) {
@@ -379,6 +382,9 @@ TEST_F(Ini, MarksNothingThatItCouldNotRead) {
     EXPECT_TRUE(Tree::Adopt(root->OpenSubParam("s", 1)));
     EXPECT_EQ(refusals, 0);
     EXPECT_EQ(contents(), before);
+    const std::string hidden = "[\\]\r\n=hides\r\n@=i7\r\n"; // from the list of keys
+    EXPECT_EQ(get_int(*tree_on(hidden), nullptr), 7);
+    EXPECT_EQ(contents(), hidden);
 }
 
 // With the next best letter the name would be that of another file.
