@@ -26,7 +26,7 @@ struct Target {
 
 // Each file of targets/ defines one.
 extern const Target kText, kTreeStream, kObject, kVariant, kDictionary, kCompanion, kInclude, kDialog,
-    kImports, kStorage, kMemoryFile, kUrl;
+    kImports, kStorage, kMemoryFile, kUrl, kRegistry, kIniFile;
 
 // Keeps the input that is running, shows it and ends the program.
 [[noreturn]] void fail(const char* what);

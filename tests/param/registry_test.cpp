@@ -1,11 +1,11 @@
 // Registry keys as trees: what stands in the registry afterwards, what is made of what others wrote there,
 // and what happens when the system refuses.
 #include "forms.h"
-#include "registry_tree.h"
 
 #include "contracts/param_contract.h"
 #include "support/hex.h"
 #include "support/import_mock.h"
+#include "support/registry_tree.h"
 
 #include <cstring>
 

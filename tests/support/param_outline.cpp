@@ -6,22 +6,6 @@
 
 #include <algorithm>
 
-std::vector<std::string> take_names(CTEnum<const char*>* names) {
-    const auto held = CQZRef<CTEnum<const char*>>::Adopt(names);
-    std::vector<std::string> all;
-    for (const char* name; held && held->Next(1, &name, nullptr) != 0;)
-        all.push_back(name);
-    return all;
-}
-
-std::vector<CQZRef<IParam>> children_of(IParam& node) {
-    std::vector<CQZRef<IParam>> all;
-    for (const std::string& name : take_names(node.EnumSubParams()))
-        if (IParam* const child = node.OpenSubParam(name.c_str(), 0))
-            all.push_back(CQZRef<IParam>::Adopt(child));
-    return all;
-}
-
 namespace {
 
 std::string shown_value(IParam& node, const std::string& name) {

@@ -1,16 +1,7 @@
 // Parameter trees in tests: written down in one line, and built by a list of steps.
 #pragma once
 
-#include "qzparam.h"
-#include "qzref.h"
-
-#include <string>
-#include <vector>
-
-// All names that an enumerator gives; releases it.
-std::vector<std::string> take_names(CTEnum<const char*>* names);
-
-std::vector<CQZRef<IParam>> children_of(IParam& node);
+#include "support/tree_names.h"
 
 // "v=5 w a{x=1 b{}}": values, integers with what they are, then children with theirs. A child that is listed
 // and does not open is "a!", such a value "v!". An empty value "@" is not shown: it marks nodes in INI files.

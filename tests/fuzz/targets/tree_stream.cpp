@@ -3,12 +3,9 @@
 #include "fuzz/target.h"
 
 #include "qzexception.h"
-#include "qzparam.h"
-#include "qzref.h"
 #include "qzstream.h"
 #include "qzvariant.h"
-
-#include <cstring>
+#include "support/tree_names.h"
 
 namespace {
 
@@ -53,8 +50,8 @@ std::string saved(IParam& tree) {
 }
 
 // Names that the form cannot hold, and wide texts and objects, which memory streams do not keep whole.
-bool is_plain_name(const char* name) {
-    return std::strpbrk(name, "\n\\") == nullptr && std::strlen(name) < 1024;
+bool is_plain_name(const std::string& name) {
+    return name.find_first_of("\n\\") == name.npos && name.size() < 1024;
 }
 
 struct Survey {
@@ -64,11 +61,9 @@ struct Survey {
 
 void survey_values(IParam& node, Survey& found) {
     constexpr unsigned kHuge = 0x10000;
-    const char* name = nullptr;
-    const auto names = CQZRef<CTEnum<const char*>>::Adopt(node.EnumValues());
-    while (names->Next(1, &name, nullptr)) {
+    for (const std::string& name : take_names(node.EnumValues())) {
         CQZVariant value;
-        if (node.GetValue(name, &value) == 0 || !is_plain_name(name)) found.plain = false;
+        if (node.GetValue(name.c_str(), &value) == 0 || !is_plain_name(name)) found.plain = false;
         if (value.vt == QZVT_WTEXT || value.vt == QZVT_OBJECT) found.plain = false;
         if (value.vt == QZVT_BLOB && value.blobVal.cbSize > kHuge) found.huge = true;
     }
@@ -81,11 +76,9 @@ Survey survey(const Tree& root) {
         const Tree node = nodes.back();
         nodes.pop_back();
         survey_values(*node, found);
-        const char* name = nullptr;
-        const auto names = CQZRef<CTEnum<const char*>>::Adopt(node->EnumSubParams());
-        while (names->Next(1, &name, nullptr)) {
-            Tree child = Tree::Adopt(node->OpenSubParam(name, 0));
-            if (!child || !is_plain_name(name) || *name == '\0') found.plain = false;
+        for (const std::string& name : take_names(node->EnumSubParams())) {
+            Tree child = Tree::Adopt(node->OpenSubParam(name.c_str(), 0));
+            if (!child || !is_plain_name(name) || name.empty()) found.plain = false;
             if (child) nodes.push_back(child);
         }
     }
