@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr const char* kPlugin = "plugin_classes.dll";
+constexpr const char* kPlugin = "plugin_good.dll";
 
 // Equal hashes: the second of each pair is never exported or registered anywhere.
 constexpr const char* kName = "SharpPageReaderA";

@@ -6,7 +6,7 @@
 #include "qzheap.h"
 #include "qzref.h"
 #include "support/child_process.h"
-#include "support/import_mock.h"
+#include "support/limited_memory.h"
 
 #include <gtest/gtest.h>
 
@@ -143,12 +143,10 @@ TEST(WaitAll, GoesOnWithoutMutexWhenItsNameIsTaken) {
     CloseHandle(squatter);
 }
 
-void* WINAPI refuse_memory(HANDLE, DWORD, SIZE_T) { return nullptr; }
-
 // The mutex then stays for the rest of the process, so this comes last.
 TEST(WaitAll, WithoutMemoryThereIsNoSectionButTheMutex) {
     {
-        const ImportMock none("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&refuse_memory));
+        const LimitedMemory none;
         EXPECT_EQ(CriticalSection_New(), nullptr);
     }
     EXPECT_TRUE(mutex_exists());

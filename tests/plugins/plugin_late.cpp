@@ -1,28 +1,34 @@
 // A module that does not need the library to load, and calls it from a static destructor at the end of the
 // process, when the library has already shut down.
+#include "late_calls.h"
+
 #include <cstdio>
 
 namespace {
 
-struct LateCall {
-    ~LateCall() {
-        if (unregister == nullptr) return;
-        const int first = unregister("SamplePluginPair");
-        const int known = is_registered("CLSID_OFSERVICECONTAINER");
-        std::printf("late: unregister %d, is registered %d\n", first, known);
+struct AtTheEnd {
+    ~AtTheEnd() {
+        if (calls.create == nullptr) return;
+        IQZUnknown* made = nullptr;
+        const int answers[] = {
+            calls.unregister("SamplePluginPair"),
+            calls.is_registered("CLSID_OFSERVICECONTAINER"),
+            calls.register_by_path("later", "kernel32.dll"),
+            calls.register_by_module("CreateObjectC", GetModuleHandleA("qzrcore.dll")),
+            calls.create("CLSID_OFSERVICECONTAINER", nullptr, typeid(IQZUnknown), &made),
+        };
+        std::printf("late:");
+        for (const int answer : answers)
+            std::printf(" %d", answer);
+        std::puts(made == nullptr ? " nothing" : " an object");
         std::fflush(stdout);
     }
 
-    int (*unregister)(const char*) = nullptr;
-    int (*is_registered)(const char*) = nullptr;
+    LateCalls calls = {};
 };
 
-LateCall late;
+AtTheEnd at_the_end;
 
 } // namespace
 
-extern "C" __declspec(dllexport) void plugin_call_late(int (*unregister)(const char*),
-                                                       int (*is_registered)(const char*)) {
-    late.unregister = unregister;
-    late.is_registered = is_registered;
-}
+extern "C" __declspec(dllexport) void plugin_call_late(const LateCalls& calls) { at_the_end.calls = calls; }

@@ -7,8 +7,10 @@
 // plugin  the module is a plug-in, which brings the library along
 // late    the module is called when the process ends, after the library; what it says is the program's output
 // hooks   the module patches the imports of others, which must be whole again when it is gone
+#include "qzheap.h"
 #include "qzobject.h"
 
+#include "plugins/late_calls.h"
 #include "support/image_imports.h"
 #include "support/open_handles.h"
 
@@ -41,7 +43,7 @@ Function* export_of(HMODULE module, const char* name) {
 
 using Create = int(const char*, IQZUnknown*, const std::type_info&, IQZUnknown**);
 
-// A container holding itself twice over would never go: the library's own objects are used and given back.
+// The library's own objects are used and given back, but for a heap that is forgotten with a block in it.
 void use_library(HMODULE library) {
     auto* const create = export_of<Create>(library, "CreateObjectC");
     IQZUnknown* first = nullptr;
@@ -56,6 +58,7 @@ void use_library(HMODULE library) {
     require(second->Release() == 26, "the services are counted");
     require(container->Release() == 0, "the container goes");
     require(create("nobody", nullptr, typeid(IQZUnknown), &first) == 0, "unknown names are refused");
+    export_of<IHeap*(unsigned long long)>(library, "_Z14new_MemoryHeapy")(0)->Alloc(1000);
 }
 
 void use_plugin(HMODULE) {
@@ -137,10 +140,14 @@ void call_late(const char* path) {
     const HMODULE library = LoadLibraryA("qzrcore.dll");
     require(library != nullptr, "the library loads");
     use_library(library);
-    using Named = int(const char*);
-    export_of<void(Named*, Named*)>(late,
-                                    "plugin_call_late")(export_of<Named>(library, "_Z16UnregisterObjectPKc"),
-                                                        export_of<Named>(library, "_Z16IsRegisterObjectPKc"));
+    const LateCalls calls = {
+        export_of<int(const char*)>(library, "_Z16UnregisterObjectPKc"),
+        export_of<int(const char*)>(library, "_Z16IsRegisterObjectPKc"),
+        export_of<int(const char*, const char*)>(library, "_Z14RegisterObjectPKcS0_"),
+        export_of<int(const char*, HINSTANCE)>(library, "_Z14RegisterObjectPKcP11HINSTANCE__"),
+        export_of<Create>(library, "CreateObjectC"),
+    };
+    export_of<void(const LateCalls&)>(late, "plugin_call_late")(calls);
     std::puts("ends");
     std::fflush(stdout);
 }

@@ -61,6 +61,18 @@ PLUGIN_EXPORT int SamplePluginPair(IQZUnknown* outer, const std::type_info& iid,
     return found;
 }
 
+// A class whose name has the same hash as FullChartObject3, which nobody exports.
+PLUGIN_EXPORT int SharpPageReaderA(IQZUnknown* outer, const std::type_info& iid, IQZUnknown** out) {
+    return ::SamplePluginPair(outer, iid, out);
+}
+
+// Answers with a result of its own, and whether it was given an outer object.
+PLUGIN_EXPORT int PluginResult(IQZUnknown* outer, const std::type_info&, IQZUnknown**) {
+    return outer != nullptr ? 77 : 66;
+}
+
+PLUGIN_EXPORT int PluginThrows(IQZUnknown*, const std::type_info&, IQZUnknown**) { throw 42; }
+
 PLUGIN_EXPORT int plugin_live_objects() { return live_objects; }
 
 // The plug-in's own notion of interfaces.
