@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -157,34 +156,6 @@ TEST_P(NumberText, PrintedRealsReadBackToFourteenDigits) {
         ASSERT_LE(std::fabs(read / value - 1), 5.1e-14) << text;
         ASSERT_EQ(real_text(read), text);
     }
-}
-
-TEST_P(NumberText, IntegersArePrintedAndRead) {
-    char text[kIntegerTextSize];
-    for (const int value : {0, 7, -7, INT_MAX, INT_MIN}) {
-        EXPECT_EQ(format_int(text, value), static_cast<int>(std::to_string(value).size()));
-        EXPECT_EQ(text, std::to_string(value));
-        EXPECT_EQ(text_to_int(text, nullptr, 10), value);
-    }
-    EXPECT_EQ(format_uint(text, UINT_MAX), 10);
-    EXPECT_STREQ(text, "4294967295");
-    const struct {
-        const char* text;
-        int base, value, length;
-    } rows[] = {{"12,3", 10, 12, 2},
-                {" -5x", 10, -5, 3},
-                {"0x1F", 16, 31, 4},
-                {"1f", 16, 31, 2},
-                {"99999999999", 10, INT_MAX, 11},
-                {"x", 10, 0, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        const char* end = nullptr;
-        EXPECT_EQ(text_to_int(row.text, &end, row.base), row.value);
-        EXPECT_EQ(end - row.text, row.length);
-    }
-    EXPECT_EQ(text_to_uint("4294967295", nullptr, 10), UINT_MAX);
-    EXPECT_EQ(text_to_uint("99999999999", nullptr, 10), UINT_MAX);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "supp/dictionary_files.h"
 #include "supp/fruit_module.h"
 #include "support/child_process.h"
+#include "window/menus.h"
 
 #include <gtest/gtest.h>
 
@@ -20,34 +21,13 @@ const std::string kFruit = pair_lines("Apple", "Apfel") + pair_lines("Pear", "Bi
 
 // --- menus
 
-std::wstring describe(HMENU menu) {
-    std::wstring all;
-    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        wchar_t text[64] = {};
-        GetMenuStringW(menu, static_cast<UINT>(i), text, 64, MF_BYPOSITION);
-        const UINT state = GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
-        all += text;
-        if (HMENU const sub_menu = GetSubMenu(menu, i)) {
-            all += L"{" + describe(sub_menu) + L"}";
-        } else if ((state & MF_SEPARATOR) != 0) {
-            all += L"-";
-        } else {
-            all += std::to_wstring(GetMenuItemID(menu, i));
-            if ((state & MF_CHECKED) != 0) all += L"*";
-            if ((state & MF_GRAYED) != 0) all += L"~";
-        }
-        all += L" ";
-    }
-    return all;
-}
-
 TEST_ALONE(HookedMenus, AreTranslatedWithTheirStates) {
     const FruitModule fruit(kFruit + in_context(2, "7", "Fruit", "Obst") +
                             in_context(2, "ORCHARD", "Pear", "Birnbaum"));
     HMODULE const module = fruit.get();
     const Calls calls = fruit.calls();
-    const wchar_t* const seven = L"Obst{Apfel100* - Mehr{Birne101~ } } Fig102 ";
-    const wchar_t* const orchard = L"Birnbaum101 ";
+    const wchar_t* const seven = L"Obst (Apfel #100 checked|line|Mehr (Birne #101 grayed|)|)|Fig #102|";
+    const wchar_t* const orchard = L"Birnbaum #101|";
     EXPECT_EQ(describe(calls.LoadMenuW(module, MAKEINTRESOURCEW(7))), seven);
     EXPECT_EQ(describe(calls.LoadMenuA(module, MAKEINTRESOURCEA(7))), seven);
     EXPECT_EQ(describe(calls.LoadMenuW(module, L"ORCHARD")), orchard);
@@ -55,11 +35,12 @@ TEST_ALONE(HookedMenus, AreTranslatedWithTheirStates) {
     // From memory a menu has no context.
     const void* const bytes =
         LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(7), MAKEINTRESOURCEW(4))));
-    EXPECT_EQ(describe(calls.LoadMenuIndirectA(bytes)), L"Fruit{Apfel100* - Mehr{Birne101~ } } Fig102 ");
+    EXPECT_EQ(describe(calls.LoadMenuIndirectA(bytes)),
+              L"Fruit (Apfel #100 checked|line|Mehr (Birne #101 grayed|)|)|Fig #102|");
 
     EXPECT_EQ(calls.LoadMenuW(module, L"NOTHING"), nullptr);
     Supp_SetTranslationEnable(0);
-    EXPECT_EQ(describe(calls.LoadMenuW(module, L"ORCHARD")), L"Pear101 ");
+    EXPECT_EQ(describe(calls.LoadMenuW(module, L"ORCHARD")), L"Pear #101|");
 }
 
 // --- dialogs
