@@ -16,6 +16,7 @@
 //     };
 #pragma once
 
+#include "contracts/lines.h"
 #include "qzexception.h"
 #include "qzfile.h"
 #include "qzheap.h"
@@ -75,32 +76,7 @@ inline std::string pattern(std::size_t size) {
 inline constexpr unsigned kSizes[] = {0,    1,    63,   64,    65,     511,    512,    513,
                                       4095, 4096, 4097, 65536, 131071, 131072, 131073, 300000};
 
-// Reads a line into a buffer of 0xee and tells "result: buffer @position", with "." for a place left alone,
-// "$" for a line feed and "0" for a zero.
-template <class Char, class File>
-std::string read_line(File& file, int max) {
-    constexpr Char kUntouched = static_cast<Char>(sizeof(Char) == 1 ? 0xEE : 0xEEEE);
-    std::basic_string<Char> buffer(12, kUntouched);
-    int result = 0;
-    if constexpr (sizeof(Char) == 1) {
-        result = file.ReadLine(buffer.data(), max);
-    } else {
-        result = file.ReadLineW(buffer.data(), max);
-    }
-    std::string told = std::to_string(result) + ": ";
-    for (const Char c : buffer)
-        told += c == kUntouched ? '.' : c == 0 ? '0' : c == 10 ? '$' : static_cast<char>(c);
-    return told + " @" + std::to_string(file.GetPosition() / sizeof(Char));
-}
-
-struct LineRow {
-    const char* input; // "$" is a line feed, "0" a zero
-    unsigned start;
-    int max;
-    const char* expected;
-};
-
-inline constexpr LineRow kLines[] = {
+inline constexpr lines::Row kLines[] = {
     {"", 0, 10, "0: .0.......... @0"}, // the end: the place stays, the terminator goes behind it
     {"$", 0, 10, "0: $0.......... @1"},      {"ab$cd", 0, 10, "2: ab$0........ @3"},
     {"ab$cd", 3, 10, "2: cd.0........ @5"}, // a last line without line feed ends like the end
@@ -112,15 +88,6 @@ inline constexpr LineRow kLines[] = {
     {"ab", 0, 1, "1: a0.......... @1"},      {"", 0, 1, "0: 0........... @0"},
     {"ab$", 0, 0, "0: 0........... @0"},     {"ab$", 0, -2147483647 - 1, "0: 0........... @0"},
 };
-
-inline std::string line_bytes(const char* input, std::size_t width) {
-    std::string bytes;
-    for (const char* p = input; *p != 0; ++p) {
-        bytes += *p == '$' ? '\n' : *p == '0' ? '\0' : *p;
-        bytes.append(width - 1, '\0');
-    }
-    return bytes;
-}
 
 } // namespace file_contract
 
@@ -220,14 +187,15 @@ TYPED_TEST_P(FileContract, TypedValuesAreReadWholeOrNotAtAll) {
 }
 
 TYPED_TEST_P(FileContract, LinesEndAtLineFeedsAlone) {
+    using Interface = typename TypeParam::File;
     for (const auto& row : file_contract::kLines) {
         SCOPED_TRACE(testing::Message() << '"' << row.input << "\" from " << row.start << " max " << row.max);
-        const auto narrow = this->open(file_contract::line_bytes(row.input, 1));
+        const auto narrow = this->open(lines::bytes_of(row.input, 1));
         narrow->Seek(row.start, 0);
-        EXPECT_EQ(file_contract::read_line<char>(*narrow, row.max), row.expected);
-        const auto wide = this->open(file_contract::line_bytes(row.input, 2));
+        EXPECT_EQ(lines::read<char>(*narrow, row.max, &Interface::ReadLine), row.expected);
+        const auto wide = this->open(lines::bytes_of(row.input, 2));
         wide->Seek(row.start * 2, 0);
-        EXPECT_EQ(file_contract::read_line<wchar_t>(*wide, row.max), row.expected);
+        EXPECT_EQ(lines::read<wchar_t>(*wide, row.max, &Interface::ReadLineW), row.expected);
     }
 }
 
@@ -292,13 +260,17 @@ TYPED_TEST_P(FileContract, WritesLandWhereTheyShould) {
 
 TYPED_TEST_P(FileContract, PiecesOfEverySizeGrowTheFile) {
     if (TypeParam::kWriting != FileWriting::kWrites) return;
-    for (const unsigned piece : {1u, 100u, 4095u, 4096u, 5000u, 70000u}) {
-        SCOPED_TRACE(piece);
+    const unsigned pieces[][2] = {{1, 1},       {100, 100}, {4095, 4095}, {4096, 4096},
+                                  {5000, 5000}, {4, 4096},  {100, 5000},  {70000, 70000}};
+    for (const auto& [piece, next] : pieces) { // by turns
+        SCOPED_TRACE(testing::Message() << piece << ", " << next);
         const std::string bytes = file_contract::pattern(piece == 1 ? 70'001 : 700'001);
         const auto file = this->open("");
-        for (std::size_t at = 0; at < bytes.size(); at += piece) {
-            const auto n = static_cast<unsigned>(std::min<std::size_t>(piece, bytes.size() - at));
-            file->Write(bytes.data() + at, n);
+        bool first = true;
+        for (std::size_t at = 0; at < bytes.size(); first = !first) {
+            const auto n = std::min<std::size_t>(first ? piece : next, bytes.size() - at);
+            file->Write(bytes.data() + at, static_cast<unsigned>(n));
+            at += n;
         }
         EXPECT_EQ(file->GetSize(), bytes.size());
         file->Seek(0, 0);

@@ -12,6 +12,7 @@
 #include "qzref.h"
 #include "qzvariant.h"
 #include "support/param_outline.h"
+#include "support/variants.h"
 
 #include <algorithm>
 #include <bitset>
@@ -66,50 +67,18 @@ using Names = std::vector<std::string>;
 TYPED_TEST_SUITE_P(ParamContract);
 
 TYPED_TEST_P(ParamContract, GivesBackValuesOfEveryType) {
-    static unsigned char bytes[] = {1, 2, 0xFF};
-    const CQZVariant samples[] = {
-        CQZVariant(),
-        CQZVariant(1, QZVT_BOOL),
-        CQZVariant(static_cast<unsigned char>(200)),
-        CQZVariant(static_cast<unsigned short>(60000)),
-        CQZVariant(4000000000ul),
-        CQZVariant(-70000),
-        CQZVariant(3000000000u),
-        CQZVariant(-5l),
-        CQZVariant(-2.5),
-        CQZVariant(3.75f),
-        CQZVariant("text"),
-        CQZVariant(tagSIZE{3, -4}),
-        CQZVariant(tagPOINT{-7, 8}),
-        CQZVariant(tagRPOINT{1.5, -1.25}),
-        CQZVariant(tagRECT{1, 2, 11, 10}),
-        CQZVariant(tagRRECT{0.5, 1, 9.5, 8}),
-        CQZVariant(tagQZBLOB{sizeof bytes, bytes}),
-        CQZVariant(this->root.Get()),
-        CQZVariant(L"wide"),
-    };
+    CountingObject object;
     const CQZRef<IParam> node = CQZRef<IParam>::Adopt(this->root->CreateSubParam("types"));
-    for (const CQZVariant& sample : samples) {
+    for (const CQZVariant& sample : one_of_each(object)) {
         SCOPED_TRACE("type " + std::to_string(sample.vt));
         if (this->differs.lost_types[sample.vt]) continue;
         node->SetValue("value", &sample);
         CQZVariant read(1);
         ASSERT_EQ(node->GetValue("value", &read), 1);
-        EXPECT_EQ(read.vt, sample.vt);
-        EXPECT_TRUE(read == sample);
+        EXPECT_EQ(describe(read), describe(sample));
     }
     EXPECT_EQ(this->value_names(*node), Names{"value"});
     node->DeleteValue("value"); // lets go of the object
-}
-
-TYPED_TEST_P(ParamContract, GivesBackARealSize) { // no two of which are equal
-    const CQZVariant stored(tagRSIZE{2.5, -3.5});
-    this->root->SetValue("size", &stored);
-    CQZVariant read;
-    ASSERT_EQ(this->root->GetValue("size", &read), 1);
-    ASSERT_EQ(read.vt, QZVT_RSIZE);
-    EXPECT_EQ(read.rsizeVal.cx, 2.5);
-    EXPECT_EQ(read.rsizeVal.cy, -3.5);
 }
 
 TYPED_TEST_P(ParamContract, CopiesValuesInAndOut) {
@@ -304,8 +273,8 @@ TYPED_TEST_P(ParamContract, NodesOutliveWhatTheyWereReachedThrough) {
     EXPECT_EQ(outline_of(*b), "v=5 w=6");
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ParamContract, GivesBackValuesOfEveryType, GivesBackARealSize,
-                            CopiesValuesInAndOut, AnswersZeroForAMissingValue, FindsNamesWithoutRegardToCase,
+REGISTER_TYPED_TEST_SUITE_P(ParamContract, GivesBackValuesOfEveryType, CopiesValuesInAndOut,
+                            AnswersZeroForAMissingValue, FindsNamesWithoutRegardToCase,
                             KeepsTheDefaultValueUnderAt, FollowsPaths, TakesNoPathForDeleting,
                             DeletesOneOrAll, ClearLeavesNothingToRead, CreatingAnExistingChildEmptiesIt,
                             ListsNamesInOrder, EnumeratorsKeepTheirNamesAndGoOn,

@@ -12,6 +12,7 @@
 //     };
 #pragma once
 
+#include "contracts/lines.h"
 #include "qzexception.h"
 #include "qzref.h"
 #include "qzstream.h"
@@ -181,31 +182,7 @@ TYPED_TEST_P(StreamContract, ReadingATypedValueAtTheEndThrows) {
 
 namespace stream_contract {
 
-// Reads a line into a buffer of 0xee and tells "result: buffer @position", with "." for a place left alone,
-// "$" for a line feed and "0" for a zero.
-template <class Char>
-std::string read_line(IXStream& s, int max, int (IXStream::*read)(Char*, int)) {
-    constexpr Char kUntouched = static_cast<Char>(sizeof(Char) == 1 ? 0xEE : 0xEEEE);
-    std::basic_string<Char> buffer(12, kUntouched);
-    std::string told;
-    try {
-        told = std::to_string((s.*read)(buffer.data(), max)) + ": ";
-    } catch (const CXEofException&) {
-        told = "end: ";
-    }
-    for (const Char c : buffer)
-        told += c == kUntouched ? '.' : c == 0 ? '0' : c == 10 ? '$' : static_cast<char>(c);
-    return told + " @" + std::to_string(s.GetPosition() / sizeof(Char));
-}
-
-struct LineRow {
-    const char* input; // "$" is a line feed, "0" a zero
-    int start;
-    int max;
-    const char* expected;
-};
-
-inline constexpr LineRow kLines[] = {
+inline constexpr lines::Row kLines[] = {
     {"", 0, 10, "end: ............ @0"},
     {"$", 0, 10, "1: $0.......... @1"},
     {"0", 0, 10, "1: 00.......... @1"},
@@ -224,26 +201,17 @@ inline constexpr LineRow kLines[] = {
     {"", 0, 0, "1: .0.......... @0"}, // reads nothing, so does not find the end
 };
 
-inline std::string line_bytes(const char* input, std::size_t width) {
-    std::string bytes;
-    for (const char* p = input; *p != 0; ++p) {
-        bytes += *p == '$' ? '\n' : *p == '0' ? '\0' : *p;
-        bytes.append(width - 1, '\0');
-    }
-    return bytes;
-}
-
 } // namespace stream_contract
 
 TYPED_TEST_P(StreamContract, LinesKeepTheirStopAndTheOddTerminator) {
     for (const auto& row : stream_contract::kLines) {
         SCOPED_TRACE(testing::Message() << '"' << row.input << "\" max " << row.max);
-        const auto narrow = this->another(stream_contract::line_bytes(row.input, 1));
-        narrow->Seek(row.start, 0);
-        EXPECT_EQ(stream_contract::read_line<char>(*narrow, row.max, &IXStream::ReadLine), row.expected);
-        const auto wide = this->another(stream_contract::line_bytes(row.input, 2));
-        wide->Seek(row.start * 2, 0);
-        EXPECT_EQ(stream_contract::read_line<wchar_t>(*wide, row.max, &IXStream::ReadLineW), row.expected);
+        const auto narrow = this->another(lines::bytes_of(row.input, 1));
+        narrow->Seek(static_cast<int>(row.start), 0);
+        EXPECT_EQ(lines::read<char>(*narrow, row.max, &IXStream::ReadLine), row.expected);
+        const auto wide = this->another(lines::bytes_of(row.input, 2));
+        wide->Seek(static_cast<int>(row.start) * 2, 0);
+        EXPECT_EQ(lines::read<wchar_t>(*wide, row.max, &IXStream::ReadLineW), row.expected);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "qzheap.h"
 #include "qzvariant.h"
 #include "support/live_blocks.h"
+#include "support/variants.h"
 
 #include <cwchar>
 
@@ -18,32 +19,7 @@
 
 namespace stream_contract {
 
-inline std::string told(const wchar_t* p) {
-    std::string text = "L\"";
-    for (; *p != 0; ++p)
-        text += *p < 128 ? static_cast<char>(*p) : '?';
-    return text + '"';
-}
-
-// A record in a few words: its code, then its value (of plain ones the first 8 bytes).
-inline std::string told(const tagQZVARIANT& v) {
-    const std::string code = std::to_string(v.vt) + ' ';
-    switch (v.vt) {
-    case QZVT_TEXT:
-        return code + (v.pszVal != nullptr ? '"' + std::string(v.pszVal) + '"' : "null");
-    case QZVT_WTEXT:
-        return code + (v.pwszVal != nullptr ? told(v.pwszVal) : "null");
-    case QZVT_BLOB:
-        return code + std::to_string(v.blobVal.cbSize) + ": " +
-               test::to_hex({static_cast<const char*>(v.blobVal.pBlobData), std::min(v.blobVal.cbSize, 4u)});
-    case QZVT_OBJECT:
-        return code + (v.pUnkVal != nullptr ? "object" : "null");
-    default:
-        return code + test::to_hex({reinterpret_cast<const char*>(&v.rrectVal), 8});
-    }
-}
-
-// What ReadVariant makes of a stream: "result record", or the failure and the record.
+// What ReadVariant makes of a stream: "result, type value", or the failure and the record.
 inline std::string read_variant(IXStream& s) {
     CQZVariant v("what was there before");
     std::string result;
@@ -52,7 +28,7 @@ inline std::string read_variant(IXStream& s) {
     } catch (const CXException& e) {
         result = "failure " + std::to_string(e.GetCode());
     }
-    return result + ", " + told(v);
+    return result + ", " + describe(v);
 }
 
 struct VariantRow {
@@ -138,19 +114,19 @@ TYPED_TEST_P(StreamVariantContract, AWideTextIsCountedByTheKindOfStream) {
         const char* back_from_half;
     };
     const Row rows[] = {
-        {L"", "1300 02000000 0000", "1300 01000000 00", "L\"\""},
-        {L"x", "1300 04000000 78000000", "1300 02000000 7800", "L\"x\""},
-        {L"xy", "1300 06000000 780079000000", "1300 03000000 780079", "L\"xy\""},
-        {L"abc", "1300 08000000 6100620063000000", "1300 04000000 61006200", "L\"ab\""},
-        {L"abcd", "1300 0a000000 61006200630064000000", "1300 05000000 6100620063", "L\"abc\""},
+        {L"", "1300 02000000 0000", "1300 01000000 00", ""},
+        {L"x", "1300 04000000 78000000", "1300 02000000 7800", "x"},
+        {L"xy", "1300 06000000 780079000000", "1300 03000000 780079", "xy"},
+        {L"abc", "1300 08000000 6100620063000000", "1300 04000000 61006200", "ab"},
+        {L"abcd", "1300 0a000000 61006200630064000000", "1300 05000000 6100620063", "abc"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.half);
         EXPECT_EQ(this->written(CQZVariant(row.text)),
                   this->spaced(TypeParam::kFirstHalfOfWideText ? row.half : row.whole));
         // Every stream reads both.
-        EXPECT_EQ(this->read(row.whole), "1, 19 " + stream_contract::told(row.text));
-        EXPECT_EQ(this->read(row.half), std::string("1, 19 ") + row.back_from_half);
+        EXPECT_EQ(this->read(row.whole), "1, wide '" + narrow(row.text) + "'");
+        EXPECT_EQ(this->read(row.half), "1, wide '" + std::string(row.back_from_half) + "'");
     }
 }
 
@@ -195,42 +171,43 @@ TYPED_TEST_P(StreamVariantContract, AnInvalidTypeIsACodeWithoutValue) {
 
 TYPED_TEST_P(StreamVariantContract, MalformedValues) {
     struct Row {
-        const char *bytes, *expected;
+        const char* bytes;
+        std::string expected;
     };
     const Row rows[] = {
-        {"", "0, 0 00 00 00 00 00 00 00 00"},
-        {"05", "0, 5 00 00 00 00 00 00 00 00"}, // half a code
-        {"0500", "0, 5 00 00 00 00 00 00 00 00"},
-        {"0500 1122", "1, 5 11 22 00 00 00 00 00 00"},
-        {"0200 ff 01", "1, 2 ff 00 00 00 00 00 00 00"},
-        {"0a00", "0, 10 \"\""},
-        {"0a00 03", "0, 10 \"\""},
-        {"0a00 00000000 7879", "0, 10 \"\""},
-        {"0a00 03000000 78", "1, 10 \"x\""},
-        {"0a00 02000000 7879", "1, 10 \"xy\""},      // without its terminator
-        {"0a00 05000000 7800797a00", "1, 10 \"x\""}, // with more behind it
-        {"0a00 ffffffff 787900", "1, 10 \"xy\""},    // 4 GiB announced
-        {"0a00 feffffff", "0, 10 \"\""},
-        {"1300", "0, 19 L\"\""},
-        {"1300 03000000 780079", "1, 19 L\"xy\""}, // half a unit at the end
-        {"1300 04000000 78007900", "1, 19 L\"xy\""},
-        {"1300 ffffffff 78007900", "1, 19 L\"xy\""},
-        {"1300 00000080 7800", "1, 19 L\"x\""},
-        {"1100", "failure 4, 17 0: "},
-        {"1100 00000000", "0, 17 0: "},
-        {"1100 04000000 0102", "1, 17 4: 01 02 00 00"}, // the size stays, with zeroes
-        {"1100 04000000", "0, 17 4: 00 00 00 00"},
-        {"1100 00200000 01", "1, 17 8192: 01 00 00 00"},
-        {"1100 ffffffff 01", "failure 2, 17 0: "}, // 4 GiB announced
-        {"0a00 00000070 787900", "1, 10 \"xy\""},
-        {"1100 00000070 7879", "failure 2, 17 0: "},
-        {"1100 02000004 01", "failure 2, 17 0: "}, // a byte more than 64 MiB beyond the end
-        {"1200", "failure 4, 18 null"},
-        {"1200 00", "0, 18 null"},
-        {"1200 'NoSuchClass'", "failure 4, 18 null"},
-        {"1200 'NoSuchClass' 00", "failure 4, 18 null"},
-        {"1200 'NoSuchClass' 00 04000000 'abc'", "failure 16, 18 null"},
-        {"1200 'NoSuchClass' 00 04000000 'abcd'", "1, 18 object"},
+        {"", "0, empty"},
+        {"05", "0, int 0"}, // half a code
+        {"0500", "0, int 0"},
+        {"0500 1122", "1, int 8721"},
+        {"0200 ff 01", "1, byte 255"},
+        {"0a00", "0, text ''"},
+        {"0a00 03", "0, text ''"},
+        {"0a00 00000000 7879", "0, text ''"},
+        {"0a00 03000000 78", "1, text 'x'"},
+        {"0a00 02000000 7879", "1, text 'xy'"},      // without its terminator
+        {"0a00 05000000 7800797a00", "1, text 'x'"}, // with more behind it
+        {"0a00 ffffffff 787900", "1, text 'xy'"},    // 4 GiB announced
+        {"0a00 feffffff", "0, text ''"},
+        {"1300", "0, wide ''"},
+        {"1300 03000000 780079", "1, wide 'xy'"}, // half a unit at the end
+        {"1300 04000000 78007900", "1, wide 'xy'"},
+        {"1300 ffffffff 78007900", "1, wide 'xy'"},
+        {"1300 00000080 7800", "1, wide 'x'"},
+        {"1100", "failure 4, blob 0 null"},
+        {"1100 00000000", "0, blob 0 null"},
+        {"1100 04000000 0102", "1, blob 01020000"}, // the size stays, with zeroes
+        {"1100 04000000", "0, blob 00000000"},
+        {"1100 00200000 01", "1, blob 01" + std::string(62, '0') + "... of 8192"},
+        {"1100 ffffffff 01", "failure 2, blob 0 null"}, // 4 GiB announced
+        {"0a00 00000070 787900", "1, text 'xy'"},
+        {"1100 00000070 7879", "failure 2, blob 0 null"},
+        {"1100 02000004 01", "failure 2, blob 0 null"}, // a byte more than 64 MiB beyond the end
+        {"1200", "failure 4, object null"},
+        {"1200 00", "0, object null"},
+        {"1200 'NoSuchClass'", "failure 4, object null"},
+        {"1200 'NoSuchClass' 00", "failure 4, object null"},
+        {"1200 'NoSuchClass' 00 04000000 'abc'", "failure 16, object null"},
+        {"1200 'NoSuchClass' 00 04000000 'abcd'", "1, object object"},
     };
     unsigned long long before = 0, after = 0;
     Get_CoreActivity(&before, nullptr);

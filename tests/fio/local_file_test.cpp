@@ -150,37 +150,6 @@ TEST(LocalFile, WithoutAPathATemporaryFileIsMade) {
     }
 }
 
-TEST(LocalFile, SixtyFourMebibytesInSmallPieces) {
-    constexpr unsigned kWords = 16 << 20;
-    const ScratchFolder folder;
-    const std::wstring path = folder.path(L"document");
-    {
-        const File file = open_file(path, QZFILE_WRITE);
-        unsigned block[1024];
-        for (unsigned i = 0; i < kWords; i += 1024) {
-            for (unsigned k = 0; k < 1024; ++k)
-                block[k] = (i + k) * 2654435761u;
-            if (i % 5120 == 0) { // now a page, now four bytes
-                for (const unsigned word : block)
-                    file->WriteDWord(word);
-            } else {
-                file->Write(block, sizeof block);
-            }
-        }
-    }
-    const File file = open_file(path, QZFILE_READ);
-    ASSERT_EQ(file->GetSize(), kWords * 4);
-    unsigned wrong = 0;
-    for (unsigned i = 0; i < kWords; ++i)
-        wrong += file->ReadDWord() != i * 2654435761u;
-    EXPECT_EQ(wrong, 0u);
-    for (unsigned i = 1; i < 1000; ++i) {
-        const unsigned word = i * 2654435761u % kWords;
-        file->Seek(word * 4, 0);
-        ASSERT_EQ(file->ReadDWord(), word * 2654435761u);
-    }
-}
-
 TEST(LocalFile, TransfersPassTwoGibibytesAndSeeksDoNot) {
     const ScratchFolder folder;
     const std::wstring path = folder.path(L"document");

@@ -1,23 +1,32 @@
 // The registry of locked paths: its counts, and the file handle behind each record.
 #include "qzfile.h"
-#include "support/child_process.h"
 #include "support/file_failure.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <vector>
 
 namespace {
 
+// The file, opened by somebody else.
+struct OtherHandle {
+    OtherHandle(const std::wstring& path, DWORD access, DWORD share)
+        : handle(CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr)),
+          error(handle != INVALID_HANDLE_VALUE ? ERROR_SUCCESS : GetLastError()) {}
+    ~OtherHandle() {
+        if (error == ERROR_SUCCESS) CloseHandle(handle);
+    }
+    OtherHandle(const OtherHandle&) = delete;
+    OtherHandle& operator=(const OtherHandle&) = delete;
+
+    const HANDLE handle;
+    const DWORD error;
+};
+
 // Whether somebody else could write to the file: the registry's handle shares reading alone.
 bool open_to_writers(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    CloseHandle(file);
-    return true;
+    return OtherHandle(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE).error == ERROR_SUCCESS;
 }
 
 TEST(LockRegistry, CountsEachKindAndHoldsTheFileUntilTheLastUnlock) {
@@ -169,13 +178,14 @@ TEST(LockRegistry, StaysCheapWithManyPaths) {
     EXPECT_EQ(Fio_LockCount(paths[0].c_str(), false), 0);
 }
 
-// ---------------------------------------------------------------------------------------- a second process
+// --- beside others: to the system it is the same whether they are in this process or in another one
+// ----------
 
 constexpr DWORD kReadWrite = GENERIC_READ | GENERIC_WRITE;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
-// What another process gets of a path that is locked here, whichever kind of lock it is.
-TEST(LockRegistry, OtherProcessesReadAndDoNotWrite) {
+// What somebody else gets of a path that is locked here, whichever kind of lock it is.
+TEST(LockRegistry, OthersReadAndDoNotWrite) {
     const ScratchFolder folder;
     const std::wstring path = folder.file(L"a.txt");
     const struct {
@@ -188,78 +198,46 @@ TEST(LockRegistry, OtherProcessesReadAndDoNotWrite) {
         {kReadWrite, 0, ERROR_SHARING_VIOLATION},
         {DELETE, kShareAll | FILE_SHARE_DELETE, ERROR_SHARING_VIOLATION},
     };
-    std::wostringstream attempts;
-    attempts << path << L'|';
-    for (const auto& row : rows)
-        attempts << row.access << L' ' << row.share << L' ' << row.result << L' ';
+    const auto open = [&](DWORD access, DWORD share) {
+        const OtherHandle file(path, access, share);
+        return file.error;
+    };
     for (const bool exclusive : {false, true}) {
-        SCOPED_TRACE(exclusive);
         Fio_LockFile(path.c_str(), exclusive);
-        EXPECT_EQ(ChildProcess("LockRegistry.DISABLED_TryToOpen", attempts.str()).exit_code(), 0u);
+        for (const auto& row : rows)
+            EXPECT_EQ(open(row.access, row.share), row.result)
+                << exclusive << ": access " << row.access << ", sharing " << row.share;
         Fio_UnlockFile(path.c_str(), exclusive);
     }
-    const std::wstring free = path + L"|" + std::to_wstring(kReadWrite) + L" 0 0 ";
-    EXPECT_EQ(ChildProcess("LockRegistry.DISABLED_TryToOpen", free).exit_code(), 0u);
+    EXPECT_EQ(open(kReadWrite, 0), DWORD{ERROR_SUCCESS});
 }
 
-// Opens a file in each way of its argument and compares the errors.
-TEST(LockRegistry, DISABLED_TryToOpen) {
-    const std::wstring argument = child_argument();
-    const std::wstring path = argument.substr(0, argument.find(L'|'));
-    std::wistringstream attempts(argument.substr(path.size() + 1));
-    for (DWORD access, share, result; attempts >> access >> share >> result;) {
-        SetLastError(0);
-        const HANDLE file = CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_EQ(file != INVALID_HANDLE_VALUE ? ERROR_SUCCESS : GetLastError(), result)
-            << "access " << access << ", sharing " << share;
-        if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
-    }
-}
-
-// What can be locked here of a file that another process has open.
-TEST(LockRegistry, TakesWhatOtherProcessesShare) {
+// What can be locked here of a file that somebody else has open.
+TEST(LockRegistry, TakesWhatOthersShare) {
     const ScratchFolder folder;
     const std::wstring path = folder.file(L"a.txt");
     const struct {
         DWORD access, share;
         int count;
-        int writable; // Fio_IsWritableFile, which wants the file for itself
     } rows[] = {
-        {GENERIC_READ, kShareAll, 1, 0},
-        {GENERIC_READ, FILE_SHARE_READ, 0, 0},
-        {GENERIC_WRITE, kShareAll, 0, 0},
-    };
+        {GENERIC_READ, kShareAll, 1}, {GENERIC_READ, FILE_SHARE_READ, 0}, {GENERIC_WRITE, kShareAll, 0}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.access);
-        const ChildProcess other("LockRegistry.DISABLED_HoldOpen", path + L"|" + std::to_wstring(row.access) +
-                                                                       L" " + std::to_wstring(row.share));
-        ASSERT_TRUE(other.wait_ready());
-        EXPECT_EQ(Fio_IsWritableFile(path.c_str()), row.writable);
-        for (const bool exclusive : {false, true}) {
-            Fio_LockFile(path.c_str(), exclusive);
-            EXPECT_EQ(Fio_LockCount(path.c_str(), exclusive), row.count);
-            Fio_UnlockFile(path.c_str(), exclusive);
+        SCOPED_TRACE(testing::Message() << row.access << " sharing " << row.share);
+        {
+            const OtherHandle other(path, row.access, row.share);
+            EXPECT_EQ(Fio_IsWritableFile(path.c_str()), 0) << "it wants the file for itself";
+            for (const bool exclusive : {false, true}) {
+                Fio_LockFile(path.c_str(), exclusive);
+                EXPECT_EQ(Fio_LockCount(path.c_str(), exclusive), row.count);
+                Fio_UnlockFile(path.c_str(), exclusive);
+            }
+            Fio_LockFile(path.c_str(), false);
         }
-        Fio_LockFile(path.c_str(), false);
-        other.end();
         Fio_ChangeNELock(path.c_str(), true);
         EXPECT_EQ(Fio_IsWritableFile(path.c_str()), 1);
         EXPECT_EQ(open_to_writers(path), row.count == 0) << "the probe took the record's handle back";
         Fio_UnlockFile(path.c_str(), false);
     }
-}
-
-TEST(LockRegistry, DISABLED_HoldOpen) {
-    const std::wstring argument = child_argument();
-    const std::wstring path = argument.substr(0, argument.find(L'|'));
-    std::wistringstream way(argument.substr(path.size() + 1));
-    DWORD access = 0;
-    DWORD share = 0;
-    way >> access >> share;
-    const HANDLE file = CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    child_ready();
-    Sleep(30000);
 }
 
 } // namespace

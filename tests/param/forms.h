@@ -24,8 +24,7 @@ std::string content_of(IXStream& stream);
 std::string bytes_of(IParam& tree);         // by SaveParamToXStream
 Tree tree_of_bytes(std::string_view bytes); // by LoadParamFromXStream
 
-// "int 5", "text 'abc'", "blob 0A00", "size 1,2", "double 2.5" ..., and "none" for a value that is not there.
-std::string describe(const tagQZVARIANT& value);
+// The value as describe() tells it (support/variants.h), and "none" when it is not there.
 std::string value_in(IParam& tree, const char* name);
 
 // Two names of one hash. What is stored under the first and deleted under the second stays listed and does

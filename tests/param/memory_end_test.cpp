@@ -69,15 +69,40 @@ TEST_F(MemoryEnd, TextsAreWhole) {
     expect(
         "writing", "0 thrown", [&] { return text = CXString(), Param_Param2String(tree_.Get(), text) == 1; },
         [&](bool done) { EXPECT_EQ(text, done ? form_.c_str() : ""); });
-    Tree read;
-    CXString form(form_.c_str());
-    expect(
-        "reading", "0 thrown",
-        [&] {
-            read = Tree::Adopt(new_MemParam());
-            return read && Param_String2Param(form, read.Get()) == 1;
-        },
-        [&](bool done) { EXPECT_TRUE(!done || text_of(*read) == form_); });
+}
+
+TEST_F(MemoryEnd, TreesArriveWholeOrTheCallerIsTold) {
+    std::vector<std::string> paths;
+    for (int i = 0; i < 60; ++i)
+        paths.push_back("n" + std::to_string(i) + "\\deeper\\v" + std::to_string(i));
+    const auto set_all = [&](IParam& into) {
+        for (const std::string& path : paths)
+            set_int(into, path.c_str(), 5);
+        return 1;
+    };
+    const Tree tree = memory_tree();
+    set_all(*tree);
+    CXString text(text_of(*tree).c_str());
+    const Stream stream = stream_of(bytes_of(*tree));
+    const std::pair<const char*, std::function<int(IParam&)>> operations[] = {
+        {"copy", [&](IParam& into) { return Param_CopyTo(tree.Get(), &into), 1; }},
+        {"text", [&](IParam& into) { return Param_String2Param(text, &into); }},
+        {"stream",
+         [&](IParam& into) { return stream->Seek(0, 0), LoadParamFromXStream(stream.Get(), &into); }},
+        {"set", set_all},
+    };
+    std::vector<Tree> kept; // so that their memory serves none of the later ones
+    for (const auto& [name, run] : operations) {
+        const std::size_t before = kept.size();
+        kept.push_back(memory_tree());
+        expect(
+            name, "0 thrown", [&] { return run(*kept.back()) == 1; },
+            [&](bool done) {
+                EXPECT_TRUE(!done || Param_Cmp(tree.Get(), kept.back().Get()) == 1);
+                kept.push_back(memory_tree());
+            });
+        EXPECT_GE(kept.size() - before, 4u) << name << " was refused twice at least";
+    }
 }
 
 TEST_F(MemoryEnd, FilesAreTheOldOrTheNewOnes) {

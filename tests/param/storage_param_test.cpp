@@ -1,7 +1,7 @@
 // Parameter trees in storages.
 #include "contracts/param_contract.h"
 #include "support/hex.h"
-#include "support/import_mock.h"
+#include "support/limited_memory.h"
 #include "support/scratch_folder.h"
 #include "support/storages.h"
 
@@ -149,12 +149,10 @@ TEST_F(StorageParam, AValueThatTheStorageRefusesIsToldNotLost) {
     EXPECT_EQ(new_IXStorParam(nullptr), nullptr);
 }
 
-void* WINAPI refuse_memory(HANDLE, DWORD, SIZE_T) { return nullptr; }
-
 TEST_F(StorageParam, WithoutMemoryForALongPathTheCallerIsTold) {
     const std::string path = std::string(600, 'n') + "\\v";
     CQZVariant out(5);
-    const ImportMock none("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&refuse_memory));
+    const LimitedMemory none;
     EXPECT_EQ(thrown_by([&] { set_int(*root, path.c_str(), 1); }), "2");
     EXPECT_EQ(thrown_by([&] { root->CreateSubParam(path.c_str()); }), "2");
     EXPECT_EQ(thrown_by([&] { root->OpenSubParam(path.c_str(), 1); }), "2");

@@ -83,7 +83,7 @@ TEST(ValueText, ReadsListsOfNumbers) {
 TEST(ValueText, ReadsReals) {
     expect_read({"R2.5 -> double 2.5", "R-1e10 -> double -10000000000", "R 7 -> double 7", "R3. -> double 3",
                  "R1.5abc -> double 1.5", "R -> none", "Rabc -> none", "R. -> none", "r0.25 -> float 0.25",
-                 "r0.1 -> float 0.1", "r1e100 -> float inf", "r -> none"});
+                 "r0.1 -> float 0.10000000149012", "r1e100 -> float inf", "r -> none"});
 }
 
 // Only what follows is trimmed, with the statement.
@@ -94,8 +94,8 @@ TEST(ValueText, ReadsTextsAsTheyAre) {
 
 // The size comes from the length of the text.
 TEST(ValueText, ReadsBlobsPassingOverOtherCharacters) {
-    expect_read({"x -> blob ", "x0A -> blob 0A", "x0aff -> blob 0AFF", "xA -> blob A0", "x1G2 -> blob 1200",
-                 "x12 34 -> blob 123400", "xzzz -> blob 0000", "x123 -> blob 1230"});
+    expect_read({"x -> blob 0 null", "x0A -> blob 0A", "x0aff -> blob 0AFF", "xA -> blob A0",
+                 "x1G2 -> blob 1200", "x12 34 -> blob 123400", "xzzz -> blob 0000", "x123 -> blob 1230"});
 }
 
 TEST(ValueText, WritesEachType) {

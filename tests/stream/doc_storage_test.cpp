@@ -1,29 +1,11 @@
 // Documents: storages and streams that a progress sink watches.
+#include "support/cancelling_sink.h"
 #include "support/param_outline.h"
 #include "support/storages.h"
 
-#include "qzexception.h"
-#include "qzvariant.h"
-
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
-
-// Counts how often it is asked, and cancels from a given time on.
-class Sink final : public CQZUnknownImpl<QZRFC::IProgress> {
-public:
-    explicit Sink(int& living) : living_(living) { ++living_; }
-    ~Sink() override { --living_; }
-    int CheckCancel() override { return ++asked > patience ? 1 : 0; }
-
-    int asked = 0;
-    int patience = 1'000'000;
-
-private:
-    int& living_;
-};
 
 // The names of the child storages, in one line.
 std::string children_in(IXStorage& storage) {
@@ -51,60 +33,9 @@ protected:
 
     int sinks = 0;
     StorageRef raw = memory_storage();
-    CQZRef<Sink> sink = CQZRef<Sink>::Adopt(new Sink(sinks));
+    CQZRef<CancellingSink> sink = CQZRef<CancellingSink>::Adopt(new CancellingSink(&sinks));
     StorageRef document;
 };
-
-TEST_F(DocStorage, TheSinkIsAskedAfterEachTransfer) {
-    const auto stream = stream_of("ab\ncdefghijklmnopqrstuvwxyz");
-    char buffer[16] = {};
-    CQZVariant v;
-    const CQZVariant text("xyz");
-    struct Row {
-        const char* name;
-        std::function<void()> call;
-        int asked;
-    };
-    const Row rows[] = {
-        {"Read", [&] { stream->Read(buffer, 1); }, 1},
-        {"Write", [&] { stream->Write("-", 1); }, 1},
-        {"ReadDWord", [&] { stream->ReadDWord(); }, 1},
-        {"WriteDouble", [&] { stream->WriteDouble(1); }, 1},
-        {"WriteString", [&] { stream->WriteString("text"); }, 1},
-        {"Seek", [&] { stream->Seek(0, 0); }, 1},
-        {"WriteVariant", [&] { stream->WriteVariant(&text); }, 3}, // code, count, text
-        {"Seek again", [&] { stream->Seek(0, 0); }, 1},
-        {"ReadVariant", [&] { stream->ReadVariant(&v); }, 3},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        sink->asked = 0;
-        row.call();
-        EXPECT_EQ(sink->asked, row.asked);
-    }
-    EXPECT_TRUE(v == text);
-    const auto lines = stream_of("abc\nd");
-    EXPECT_EQ(lines->ReadLine(buffer, 10), 4);
-    EXPECT_EQ(sink->asked, 4) << "once for each character";
-}
-
-TEST_F(DocStorage, CancellingThrowsWhenTheTransferIsDone) {
-    const auto stream = stream_of("abcdef");
-    char buffer[4] = {};
-    sink->patience = 0;
-    EXPECT_EQ(thrown_by([&] { stream->Read(buffer, 3); }), "1");
-    EXPECT_STREQ(buffer, "abc");
-    EXPECT_EQ(thrown_by([&] { stream->Write("XY", 2); }), "1");
-    sink->patience = sink->asked + 1;
-    char line[8] = {};
-    EXPECT_EQ(thrown_by([&] { stream->ReadLine(line, 6); }), "1"); // at its second character
-    sink->patience = 1'000'000;
-    EXPECT_EQ(stream->GetPosition(), 6u);
-    stream->Seek(0, 0);
-    char all[8] = {};
-    EXPECT_EQ(stream->Read(all, 7), 6u);
-    EXPECT_STREQ(all, "abcXYf");
-}
 
 TEST_F(DocStorage, EverythingInsideKnowsTheDocument) {
     {
@@ -163,7 +94,7 @@ TEST_F(DocStorage, AStreamMayHaveNoDocument) {
     StorageRef none;
     for (IXStorage* const storage : {raw.Get(), static_cast<IXStorage*>(nullptr)}) {
         EXPECT_EQ(new_CIXDocStream(storage, memory.Get(), stream.Put(), 3), 1);
-        sink->patience = 0;
+        sink->cancel_from = 1;
         stream->WriteByte(1);
         const auto info = CQZRef<IDocStrorageInfo>::Query(stream.Get());
         EXPECT_EQ(info->GetStorage(none.Put()), 0);
@@ -192,7 +123,7 @@ TEST_F(DocStorage, AStreamMayHaveNoDocument) {
 
 TEST_F(DocStorage, EverythingIsReleased) {
     auto stream = stream_of("x");
-    Sink* const watched = sink.Get();
+    CancellingSink* const watched = sink.Get();
     sink.Reset();
     document.Reset();
     EXPECT_EQ(sinks, 1) << "the stream holds the document, and that the sink";

@@ -1,16 +1,14 @@
-// What only the stream in memory has: its block, its growth, its progress sink.
+// What only the stream in memory has: its block and its growth.
 #include "qzexception.h"
 #include "qzheap.h"
 #include "qzref.h"
 #include "qzstream.h"
-#include "qzvariant.h"
 #include "support/file_failure.h"
 #include "support/hex.h"
 #include "support/import_mock.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -207,106 +205,6 @@ TEST_F(MemoryStream, From2GiBOnSizesAreNegative) {
         << "a position of 2 GiB is no less beyond the end for being negative";
     EXPECT_EQ(stream->Seek(0, 1), 0u);
     EXPECT_EQ(stream->Read(bytes, 2), 2u);
-}
-
-// ------------------------------------------------------------------------------------------ progress sink
-
-class Sink final : public CQZUnknownImpl<QZRFC::IProgress> {
-public:
-    explicit Sink(bool* gone = nullptr) : gone_(gone) {}
-    ~Sink() override {
-        if (gone_ != nullptr) *gone_ = true;
-    }
-    int CheckCancel() override { return ++checks == cancel_at ? -1 : 0; } // any value but 0 cancels
-
-    int checks = 0;
-    int cancel_at = 0;
-
-private:
-    bool* gone_;
-};
-
-TEST(MemoryStreamProgress, TheStreamHoldsItsSink) {
-    bool gone = false;
-    Sink* sink = new Sink(&gone);
-    IXStream* stream = new_StreamOnMemory(sink);
-    EXPECT_EQ(sink->Release(), 1u);
-    EXPECT_FALSE(gone);
-    stream->Release();
-    EXPECT_TRUE(gone);
-}
-
-struct Operation {
-    const char* name;
-    int checks; // transfers: one check after each
-    std::function<void(IXStream&)> run;
-};
-
-std::vector<Operation> operations() {
-    static const CQZVariant number(1.5), text("xy"), blob(tagQZBLOB{2, const_cast<char*>("ab")});
-    static char line[16];
-    static wchar_t wide[16];
-    static CQZVariant out;
-    return {
-        {"write", 1, [](IXStream& s) { s.Write("abc", 3); }},
-        {"nothing", 1, [](IXStream& s) { s.Write("", 0); }},
-        {"typed write", 1, [](IXStream& s) { s.WriteDouble(1); }},
-        {"text", 1, [](IXStream& s) { s.WriteString("abc"); }},
-        {"variant", 2, [](IXStream& s) { s.WriteVariant(&number); }},
-        {"text variant", 3, [](IXStream& s) { s.WriteVariant(&text); }},
-        {"read", 1, [](IXStream& s) { s.Read(line, 3); }},
-        {"typed read", 1, [](IXStream& s) { s.ReadWord(); }},
-        {"line", 4, [](IXStream& s) { s.ReadLine(line, 10); }},
-        {"wide line", 2, [](IXStream& s) { s.ReadLineW(wide, 2); }},
-        {"read variant", 3, [](IXStream& s) { s.Seek(4, 0), s.ReadVariant(&out); }},
-        {"seek", 0, [](IXStream& s) { s.Seek(1, 0), s.GetPosition(), s.GetSize(); }},
-        {"read at the end", 0, [](IXStream& s) { s.Seek(0, 2), s.Read(line, 3); }},
-    };
-}
-
-// "abc", line feed, a text variant "xy"
-const std::string kStart = test::from_hex("'abc' 0a 0a00 03000000 787900");
-
-// Cancelled at its k-th transfer, an operation has moved what the first k transfers move, and the stream
-// works on as if it had never been asked for more. In round 0 nothing cancels.
-TEST(MemoryStreamProgress, TheSinkIsAskedAfterEachTransferAndMayCancel) {
-    for (const Operation& operation : operations()) {
-        for (int k = 0; k <= operation.checks; ++k) {
-            SCOPED_TRACE(testing::Message() << operation.name << " at " << k);
-            const auto sink = CQZRef<Sink>::Adopt(new Sink);
-            const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(sink.Get()));
-            stream->Write(kStart.data(), static_cast<unsigned>(kStart.size()));
-            stream->Seek(0, 0);
-            sink->checks = 0;
-            sink->cancel_at = k;
-            EXPECT_EQ(failure_of([&] { operation.run(*stream); }), k != 0 ? "code 1" : "");
-            EXPECT_EQ(sink->checks, k != 0 ? k : operation.checks);
-            if (k == 0) continue;
-            EXPECT_GE(stream->GetPosition(), operation.name == std::string("nothing") ? 0u : 1u);
-            EXPECT_LE(stream->GetPosition(), stream->GetSize());
-            stream->Seek(0, 2);
-            stream->WriteByte(1);
-            EXPECT_EQ(sink->checks, k + 1);
-        }
-    }
-}
-
-TEST(MemoryStreamProgress, ACancelledTransferHasHappened) {
-    const auto sink = CQZRef<Sink>::Adopt(new Sink);
-    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory(sink.Get()));
-    sink->cancel_at = 1;
-    EXPECT_THROW(stream->Write("abc\n", 4), CXException);
-    EXPECT_EQ(stream->GetPosition(), 4u);
-    EXPECT_EQ(stream->GetSize(), 4u);
-    stream->Seek(0, 0);
-    sink->cancel_at = 2;
-    char buffer[8] = "-------";
-    EXPECT_THROW(stream->Read(buffer, 2), CXException);
-    EXPECT_STREQ(buffer, "ab-----");
-    EXPECT_EQ(stream->GetPosition(), 2u);
-    sink->cancel_at = 4;
-    EXPECT_THROW(stream->ReadLine(buffer, 6), CXException); // at the line feed
-    EXPECT_EQ(stream->GetPosition(), 4u);
 }
 
 } // namespace

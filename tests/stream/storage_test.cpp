@@ -1,5 +1,5 @@
 // Storages on the platform's own compound files.
-#include "support/import_mock.h"
+#include "support/limited_memory.h"
 #include "support/param_outline.h"
 #include "support/scratch_folder.h"
 #include "support/storages.h"
@@ -380,14 +380,12 @@ TEST(Storage, NamesGoThroughTheAnsiCodePage) {
     }
 }
 
-void* WINAPI refuse_memory(HANDLE, DWORD, SIZE_T) { return nullptr; }
-
 // Creating replaces what is there, so the object comes first. Its name must be too long for a recycled block.
 TEST(Storage, NothingIsReplacedWhereMemoryIsMissing) {
     const ScratchFolder folder;
     const std::wstring path = folder.path(std::wstring(255 - folder.path().size(), L'f'));
     const auto refused = [](auto call) {
-        const ImportMock none("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&refuse_memory));
+        const LimitedMemory none;
         return thrown_by(call);
     };
     {

@@ -4,7 +4,7 @@
 
 #include "support/counting_object.h"
 #include "support/live_blocks.h"
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <gtest/gtest.h>
 
@@ -81,8 +81,8 @@ TEST(VariantBind, TextIsDuplicatedBothWays) {
         EXPECT_EQ(w.BindFromValue(QZVT_WTEXT, &wide_field), 1);
         text[0] = 'X';
         wide[0] = 'X';
-        EXPECT_EQ(show(v), "\"text\"");
-        EXPECT_EQ(show(w), "\"wide\"");
+        EXPECT_EQ(show(v), "'text'");
+        EXPECT_EQ(show(w), "'wide'");
 
         field = static_cast<char*>(Mem_DefaultHeap()->Alloc(10)); // will be freed
         EXPECT_EQ(v.BindToValue(QZVT_TEXT, &field), 1);
@@ -95,9 +95,9 @@ TEST(VariantBind, TextIsDuplicatedBothWays) {
 
         // A field that is the variant's own text gets another copy of it.
         EXPECT_EQ(QZVariantBindToValue(QZVT_TEXT, &v.pszVal, &v), 1);
-        EXPECT_EQ(show(v), "\"text\"");
+        EXPECT_EQ(show(v), "'text'");
         EXPECT_EQ(QZVariantBindFromValue(QZVT_TEXT, &v.pszVal, &v), 1);
-        EXPECT_EQ(show(v), "\"text\"");
+        EXPECT_EQ(show(v), "'text'");
         // A null text in the variant leaves a null in the field.
         EXPECT_EQ(CQZVariant(static_cast<const char*>(nullptr)).BindToValue(QZVT_TEXT, &field), 1);
         EXPECT_EQ(field, nullptr);

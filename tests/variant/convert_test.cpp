@@ -3,7 +3,7 @@
 
 #include "support/counting_object.h"
 #include "support/live_blocks.h"
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kNone = nullptr; // no such conversion
 
-// For each target what the samples of samples.h become, in the order of their codes: nothing, true, 200,
+// For each target what the samples of variants.h become, in the order of their codes: nothing, true, 200,
 // 60000, 4000000000, -70000, 3000000000, -5, -2.5, 3.75f, "7", (3,-4), (2.5,-2.5), (-7,8), (1.4,-1.6),
 // (0,0,11,10), (0,0,9.6,9.4), 01 02 FF, object, L"42".
 const char* const kMatrix[QZVT_COUNT][QZVT_COUNT] = {
@@ -112,7 +112,7 @@ TEST_F(VariantConvert, EveryPairOfTypes) {
             for (unsigned short source = 0; source < QZVT_COUNT; ++source) {
                 const bool to_text = target == QZVT_TEXT || target == QZVT_WTEXT;
                 const char* const expected = to_text ? kTexts[source] : kMatrix[target][source];
-                const std::string quoted = '"' + std::string(expected != kNone ? expected : "") + '"';
+                const std::string quoted = "'" + std::string(expected != kNone ? expected : "") + "'";
                 check_conversion(samples[source], target,
                                  to_text && expected != kNone ? quoted.c_str() : expected);
             }
@@ -176,7 +176,7 @@ TEST_F(VariantConvert, ChangeTypeToTheOwnTypeTouchesNothing) {
     EXPECT_EQ(v.ChangeType(20), 1); // not even whether there is such a type
     v.vt = QZVT_TEXT;
     EXPECT_EQ(v.ChangeType(QZVT_WTEXT), 1);
-    EXPECT_EQ(show(v), "\"text\"");
+    EXPECT_EQ(show(v), "'text'");
 }
 
 // The source may belong to what the target holds: it is read before that goes.
@@ -194,7 +194,7 @@ TEST_F(VariantConvert, TheOldValueOutlivesTheConversion) {
     CQZVariant text("a text of some length");
     tagQZVARIANT view = text; // the same characters, not owned twice
     EXPECT_EQ(text.ChangeType(QZVT_WTEXT, &view), 1);
-    EXPECT_EQ(show(text), "\"a text of some length\"");
+    EXPECT_EQ(show(text), "'a text of some length'");
 }
 
 // Texts that are numbers are the runtime's affair, which another test compares them with.
@@ -314,12 +314,12 @@ TEST_F(VariantConvert, EdgesOfRectanglesMoveByOne) {
 }
 
 TEST_F(VariantConvert, FalseAndNullTextsAsTexts) {
-    check_conversion(CQZVariant(0, 1), QZVT_TEXT, "\"No\"");
-    check_conversion(CQZVariant(0, 1), QZVT_WTEXT, "\"No\"");
+    check_conversion(CQZVariant(0, 1), QZVT_TEXT, "'No'");
+    check_conversion(CQZVariant(0, 1), QZVT_WTEXT, "'No'");
     const CQZVariant narrow(static_cast<const char*>(nullptr)), wide(static_cast<const wchar_t*>(nullptr));
     check_conversion(narrow, QZVT_TEXT, "null");
-    check_conversion(narrow, QZVT_WTEXT, "\"\"");
-    check_conversion(wide, QZVT_TEXT, "\"\"");
+    check_conversion(narrow, QZVT_WTEXT, "''");
+    check_conversion(wide, QZVT_TEXT, "''");
     check_conversion(wide, QZVT_WTEXT, "null");
 }
 

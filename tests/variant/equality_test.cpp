@@ -2,7 +2,7 @@
 #include "qzvariant.h"
 
 #include "support/counting_object.h"
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <gtest/gtest.h>
 

@@ -4,25 +4,16 @@
 #include "qzvariant.h"
 
 #include "support/counting_object.h"
-#include "support/import_mock.h"
+#include "support/limited_memory.h"
 #include "support/live_blocks.h"
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
-#include <windows.h>
-
 namespace {
-
-void* WINAPI refuse_memory(HANDLE, DWORD, SIZE_T) { return nullptr; }
-
-// While it lives the library gets no memory from the system.
-struct NoMemory : ImportMock {
-    NoMemory() : ImportMock("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&refuse_memory)) {}
-};
 
 char bytes[] = "bytes";
 const tagQZBLOB kBlob{5, bytes};
@@ -36,7 +27,7 @@ TEST(VariantFailure, ExhaustedMemoryLeavesTheOldValueOfAnAssignment) {
         const std::string before = show(v);
         const unsigned short vt = v.vt;
         {
-            const NoMemory none;
+            const LimitedMemory none;
             EXPECT_THROW(v = "new", CXMemException);
             EXPECT_THROW(v = L"new", CXMemException);
             EXPECT_THROW(v = text, CXMemException);
@@ -55,7 +46,7 @@ TEST(VariantFailure, ExhaustedMemoryLeavesTheTargetOfACopyEmpty) {
         for (CQZVariant& v : one_of_each(object)) {
             SCOPED_TRACE(testing::Message() << "code " << source.vt << " onto " << v.vt);
             {
-                const NoMemory none;
+                const LimitedMemory none;
                 EXPECT_THROW(QZVariantCopy(&v, &source), CXMemException);
                 EXPECT_THROW(CQZVariant copy(source), CXMemException);
             }
@@ -74,7 +65,7 @@ TEST(VariantFailure, ExhaustedMemoryInAConversionOrABinding) {
         ASSERT_EQ(text.BindToValue(QZVT_TEXT, &field), 1);
         char* const held = field;
         {
-            const NoMemory none;
+            const LimitedMemory none;
             EXPECT_THROW(number.ChangeType(QZVT_TEXT), CXMemException);
             EXPECT_THROW(apart.ChangeType(QZVT_WTEXT, &number), CXMemException);
             EXPECT_THROW(text.BindToValue(QZVT_TEXT, &field), CXMemException);
@@ -98,7 +89,7 @@ TEST(VariantFailure, ExhaustedMemoryLeavesABlobAsItWas) {
     QZBlob blob(kBlob);
     const QZBlob other(100);
     {
-        const NoMemory none;
+        const LimitedMemory none;
         EXPECT_THROW(blob = other, CXMemException);
         EXPECT_THROW(QZBlob copy(other), CXMemException);
         EXPECT_THROW(QZBlob zeroes(0xFFFFFFFFul), CXMemException);

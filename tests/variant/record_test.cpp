@@ -6,7 +6,7 @@
 
 #include "support/counting_object.h"
 #include "support/live_blocks.h"
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <gtest/gtest.h>
 
@@ -23,9 +23,8 @@ bool is_all_zero(const tagQZVARIANT& v) {
 using Assignment = std::function<void(CQZVariant&)>;
 
 const char* const kSamples[QZVT_COUNT] = {
-    "",         "1",         "200",         "60000",  "4000000000", "-70000",   "3000000000",
-    "-5",       "-2.5",      "3.75",        "\"7\"",  "3,-4",       "2.5,-2.5", "-7,8",
-    "1.4,-1.6", "0,0,11,10", "0,0,9.6,9.4", "0102FF", "object",     "\"42\"",
+    "",    "1",    "200",      "60000", "4000000000", "-70000",    "3000000000",  "-5",     "-2.5",   "3.75",
+    "'7'", "3,-4", "2.5,-2.5", "-7,8",  "1.4,-1.6",   "0,0,11,10", "0,0,9.6,9.4", "0102FF", "object", "'42'",
 };
 
 TEST(Variant, ConstructorsGiveTheTypeOfTheirArgument) {
@@ -39,10 +38,10 @@ TEST(Variant, ConstructorsGiveTheTypeOfTheirArgument) {
     }
     const CQZVariant narrow{CXString("text")};
     EXPECT_EQ(narrow.vt, QZVT_TEXT);
-    EXPECT_EQ(show(narrow), "\"text\"");
+    EXPECT_EQ(show(narrow), "'text'");
     const CQZVariant wide{CXStringW(L"wide")};
     EXPECT_EQ(wide.vt, QZVT_WTEXT);
-    EXPECT_EQ(show(wide), "\"wide\"");
+    EXPECT_EQ(show(wide), "'wide'");
 }
 
 TEST(Variant, TheSecondArgumentOfIntegersAsksForABoolean) {
@@ -111,8 +110,8 @@ TEST(Variant, CopiesAreIndependent) {
     EXPECT_NE(blob_copy.blobVal.pBlobData, samples[QZVT_BLOB].blobVal.pBlobData);
     EXPECT_EQ(object.references, 3u);
     samples.clear();
-    EXPECT_EQ(show(text_copy), "\"7\"");
-    EXPECT_EQ(show(wide_copy), "\"42\"");
+    EXPECT_EQ(show(text_copy), "'7'");
+    EXPECT_EQ(show(wide_copy), "'42'");
     EXPECT_EQ(show(blob_copy), "0102FF");
     EXPECT_EQ(object.references, 2u);
     object_copy.Clear();
@@ -141,11 +140,11 @@ TEST(Variant, AssigningItsOwnPartKeepsTheValue) {
     CountingObject object;
     CQZVariant text("some text"), wide(L"wide"), holder(&object), bytes, rect(tagRRECT{1, 2, 3, 4});
     text = static_cast<const char*>(text.pszVal);
-    EXPECT_EQ(show(text), "\"some text\"");
+    EXPECT_EQ(show(text), "'some text'");
     text = text.pszVal + 5;
-    EXPECT_EQ(show(text), "\"text\"");
+    EXPECT_EQ(show(text), "'text'");
     wide = static_cast<const wchar_t*>(wide.pwszVal);
-    EXPECT_EQ(show(wide), "\"wide\"");
+    EXPECT_EQ(show(wide), "'wide'");
     holder = static_cast<IQZUnknown*>(holder);
     EXPECT_EQ(show(holder), "object");
     EXPECT_EQ(object.references, 2u);
@@ -183,10 +182,10 @@ TEST(Variant, AssignmentsTakeTheNewTypeExceptIntegersInABoolean) {
         {QZVT_ULONG, assigning(256ul), "256", "1"},
         {QZVT_FLOAT, assigning(0.5f), "0.5"},
         {QZVT_DOUBLE, assigning(0.25), "0.25"},
-        {QZVT_TEXT, assigning("abc"), "\"abc\""},
-        {QZVT_TEXT, assigning(CXString("abc")), "\"abc\""},
-        {QZVT_WTEXT, assigning(L"abc"), "\"abc\""},
-        {QZVT_WTEXT, assigning(CXStringW(L"abc")), "\"abc\""},
+        {QZVT_TEXT, assigning("abc"), "'abc'"},
+        {QZVT_TEXT, assigning(CXString("abc")), "'abc'"},
+        {QZVT_WTEXT, assigning(L"abc"), "'abc'"},
+        {QZVT_WTEXT, assigning(CXStringW(L"abc")), "'abc'"},
         {QZVT_SIZE, assigning(tagSIZE{1, 2}), "1,2"},
         {QZVT_RSIZE, assigning(tagRSIZE{1, 2}), "1,2"},
         {QZVT_POINT, assigning(tagPOINT{1, 2}), "1,2"},
@@ -296,7 +295,7 @@ TEST(Variant, AttachAndDetachMoveTheValue) {
     to = 5; // does not free what was given away
     EXPECT_STREQ(record.pszVal, "text");
     to.Attach(record);
-    EXPECT_EQ(show(to), "\"text\"");
+    EXPECT_EQ(show(to), "'text'");
     to.Attach(to);
     EXPECT_TRUE(is_all_zero(to));
 }

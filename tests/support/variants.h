@@ -13,5 +13,9 @@
 // (1.4,-1.6), (0,0,11,10), (0,0,9.6,9.4), the bytes 01 02 FF, the object, L"42".
 std::vector<CQZVariant> one_of_each(CountingObject& object);
 
-// The value by its type code: "-2.5", "3,-4", "\"text\"", "0102FF", "object", "null" ...
+// The value by its type code: "-2.5", "3,-4", "'text'", "0102FF", "object", "null" ...
 std::string show(const tagQZVARIANT& v);
+
+// The same behind the type: "double -2.5", "size 3,-4", "text 'text'", "wide 'text'", "blob 0102FF", "empty"
+// ...
+std::string describe(const tagQZVARIANT& v);

@@ -1,4 +1,4 @@
-#include "variant/samples.h"
+#include "support/variants.h"
 
 #include <charconv>
 #include <cstdio>
@@ -47,26 +47,32 @@ std::string show_reals(std::initializer_list<double> reals) {
     for (const double real : reals) {
         char digits[40];
         const auto end =
-            std::to_chars(digits, digits + sizeof digits, real, std::chars_format::general, 10).ptr;
+            std::to_chars(digits, digits + sizeof digits, real, std::chars_format::general, 14).ptr;
         text.append(text.empty() ? 0 : 1, ',').append(digits, end);
     }
     return text;
 }
 
+// Of a large one the start and the size.
 std::string show_blob(const tagQZBLOB& blob) {
+    constexpr unsigned kMost = 32;
     if (blob.pBlobData == nullptr) return print("%u null", blob.cbSize);
     std::string text;
-    for (unsigned i = 0; i < blob.cbSize; ++i)
+    for (unsigned i = 0; i < blob.cbSize && i < kMost; ++i)
         text += print("%02X", static_cast<const unsigned char*>(blob.pBlobData)[i]);
-    return text;
+    return blob.cbSize <= kMost ? text : text + print("... of %u", blob.cbSize);
 }
 
 std::string show_wide(const wchar_t* text) {
     std::string shown;
     for (; *text != 0; ++text)
         shown += *text < 0x80 ? print("%c", static_cast<char>(*text)) : print("<%04x>", *text);
-    return '"' + shown + '"';
+    return "'" + shown + "'";
 }
+
+const char* const kNames[QZVT_COUNT] = {"empty",  "bool",   "byte",  "word", "ulong",  "int",   "uint",
+                                        "long",   "double", "float", "text", "size",   "rsize", "point",
+                                        "rpoint", "rect",   "rrect", "blob", "object", "wide"};
 
 } // namespace
 
@@ -93,7 +99,7 @@ std::string show(const tagQZVARIANT& v) {
     case QZVT_FLOAT:
         return show_reals({static_cast<double>(v.floatVal)});
     case QZVT_TEXT:
-        return v.pszVal != nullptr ? '"' + std::string(v.pszVal) + '"' : "null";
+        return v.pszVal != nullptr ? "'" + std::string(v.pszVal) + "'" : "null";
     case QZVT_SIZE:
         return print("%ld,%ld", v.sizeVal.cx, v.sizeVal.cy);
     case QZVT_RSIZE:
@@ -119,4 +125,9 @@ std::string show(const tagQZVARIANT& v) {
     default:
         return print("code %u", v.vt);
     }
+}
+
+std::string describe(const tagQZVARIANT& v) {
+    if (v.vt == QZVT_EMPTY || v.vt >= QZVT_COUNT) return v.vt == QZVT_EMPTY ? kNames[0] : show(v);
+    return std::string(kNames[v.vt]) + " " + show(v);
 }
