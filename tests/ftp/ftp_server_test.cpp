@@ -3,6 +3,7 @@
 #include "ftp_fixture.h"
 #include "qzstream.h"
 #include "qzstring.h"
+#include "support/param_outline.h"
 #include "support/refused_call.h"
 
 #include <functional>
@@ -275,8 +276,13 @@ TEST_F(FtpServer, OpensACopyOfACompoundFile) {
         CQZRef<IXStream>::Adopt(storage->OpenStream("note"))->ReadLine(text, 10);
         EXPECT_STREQ(text, "hello");
         CQZRef<IXStorage>::Adopt(storage->CreateStorage("child"));
+        EXPECT_EQ(take_names(storage->EnumStorages()), std::vector<std::string>{"child"});
+        EXPECT_TRUE(CQZRef<IXStorage>::Adopt(storage->OpenStorage("child")));
         CQZRef<IXStream>::Adopt(storage->CreateStream("other"))->WriteDWord(1);
         storage->DestroyStream("note");
+        storage->DestroyStorage("child");
+        EXPECT_EQ(take_names(storage->EnumStreams()), std::vector<std::string>{"other"});
+        EXPECT_TRUE(take_names(storage->EnumStorages()).empty());
         EXPECT_EQ(storage->Commit(), 0);
         storage.Reset();
         EXPECT_EQ(temp.count() + work.count(), 1u) << "the copy goes with the storage";

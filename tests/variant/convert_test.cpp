@@ -1,4 +1,5 @@
 // Conversion between all types.
+#include "qzstring.h"
 #include "qzvariant.h"
 
 #include "support/counting_object.h"
@@ -311,6 +312,21 @@ TEST_F(VariantConvert, EdgesOfRectanglesMoveByOne) {
     check_conversion(CQZVariant(tagRRECT{0, 0, kMax, 1e300}), QZVT_RECT, "0,0,-2147483648,-2147483647");
     check_conversion(CQZVariant(tagRECT{kMin, kMax, kMin, kMax}), QZVT_RRECT,
                      "-2147483648,2147483647,2147483647,2147483646");
+}
+
+// Narrow text is in the code page of the process.
+TEST_F(VariantConvert, TextsChangeWidthAsStringsDo) {
+    for (const char* const text :
+         {"", "\xCF\xF0\xE8", "caf\xE9 ", "\x93\xFA\x96\x7B", "\x83\x5C\\", "x\x81"}) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        const CXStringW wide(text);
+        CQZVariant converted(text), cast(text);
+        ASSERT_EQ(converted.ChangeType(QZVT_WTEXT), 1);
+        EXPECT_STREQ(converted.pwszVal, wide.GetData());
+        EXPECT_STREQ(static_cast<wchar_t*>(cast), wide.GetData());
+        ASSERT_EQ(converted.ChangeType(QZVT_TEXT), 1);
+        EXPECT_STREQ(converted.pszVal, CXString(wide.GetData()).GetData());
+    }
 }
 
 TEST_F(VariantConvert, FalseAndNullTextsAsTexts) {
