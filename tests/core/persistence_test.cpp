@@ -1,8 +1,7 @@
 // Object records in streams.
 #include "contracts/persistent_note.h"
+#include "qzbytes.h"
 #include "qzexception.h"
-#include "qzref.h"
-#include "qzstream.h"
 #include "qzvariant.h"
 #include "support/file_failure.h"
 #include "support/hex.h"
@@ -48,12 +47,7 @@ protected:
         EXPECT_EQ(PersistentNote::live, 0);
     }
 
-    static CQZRef<IXStream> holding(std::string_view bytes) {
-        auto s = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
-        s->Write(bytes.data(), static_cast<unsigned>(bytes.size()));
-        s->Seek(0, 0);
-        return s;
-    }
+    static CQZRef<IXStream> holding(std::string_view bytes) { return qz::stream_of(bytes); }
     int read(IXStream& s) {
         IQZUnknown* out = nullptr;
         const int result = ReadObjectFromXStream(&s, &out);
@@ -66,10 +60,7 @@ protected:
         const auto s = holding("");
         EXPECT_EQ(WriteObjectToXStream(s.Get(), persistent), 1);
         EXPECT_EQ(s->GetPosition(), s->GetSize());
-        std::string bytes(s->GetSize(), '\0');
-        s->Seek(0, 0);
-        s->Read(bytes.data(), static_cast<unsigned>(bytes.size()));
-        return test::to_hex(bytes);
+        return test::to_hex(qz::bytes_of(*s));
     }
     CQZRef<IPersistXStream> persistent() const { return CQZRef<IPersistXStream>::Query(object.Get()); }
     static std::string spaced(std::string_view hex) { return test::to_hex(test::from_hex(hex)); }

@@ -2,11 +2,11 @@
 // values described in words.
 #pragma once
 
-#include "qzparam.h"
-#include "qzref.h"
-#include "qzstream.h"
-#include "qzstring.h"
-#include "qzvariant.h"
+#include "qzbytes.h"
+#include "qztree.h"
+#include "support/variants.h"
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
@@ -16,20 +16,30 @@ namespace forms {
 using Tree = CQZRef<IParam>;
 using Stream = CQZRef<IXStream>;
 
-Tree tree_from(const std::string& text); // by Param_String2Param
-std::string text_of(IParam& tree);       // by Param_Param2String
+using qz::bytes_of; // of a stream in memory, and of a tree by SaveParamToXStream
+using qz::stream_of;
+using qz::text_of;
 
-Stream stream_of(std::string_view bytes); // at its start
-std::string content_of(IXStream& stream);
-std::string bytes_of(IParam& tree);         // by SaveParamToXStream
-Tree tree_of_bytes(std::string_view bytes); // by LoadParamFromXStream
+inline Tree tree_from(const std::string& text) {
+    Tree tree = qz::new_tree();
+    qz::read_text(*tree, text);
+    return tree;
+}
 
-// The value as describe() tells it (support/variants.h), and "none" when it is not there.
-std::string value_in(IParam& tree, const char* name);
+inline Tree tree_of_bytes(std::string_view bytes) {
+    Tree tree = qz::new_tree();
+    EXPECT_TRUE(qz::read_bytes(*tree, bytes));
+    return tree;
+}
 
-// Two names of one hash. What is stored under the first and deleted under the second stays listed and does
+// The value as describe() tells it, and "none" when it is not there.
+inline std::string value_in(IParam& tree, const char* name) {
+    CQZVariant value;
+    return tree.GetValue(name, &value) != 0 ? describe(value) : "none";
+}
+
+// What is stored under "aeaea" and deleted under this name, which has the same hash, stays listed and does
 // not open.
-constexpr char kOneName[] = "aeaea";
 constexpr char kSameHash[] = "bagab";
 
 } // namespace forms

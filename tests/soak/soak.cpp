@@ -44,7 +44,6 @@ constexpr Kind kKinds[] = {
     {"output", work_output, 4},
     {"locks", work_locks, 1},
     {"sections", work_sections, 2},
-    {"threads", work_threads, 1},
     {"objects", work_objects, 3},
     {"heaps", work_heaps, 3},
     {"texts", work_texts, 4},

@@ -55,7 +55,6 @@ void work_files(Work& work);  // written in place and read back
 void work_output(Work& work); // files replaced safely
 void work_locks(Work& work);  // the registry of locked paths
 void work_sections(Work& work);
-void work_threads(Work& work);
 void work_objects(Work& work);
 void work_heaps(Work& work);
 void work_texts(Work& work); // strings, translations

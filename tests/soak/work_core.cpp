@@ -1,4 +1,4 @@
-// Sections, events, threads, heaps, objects.
+// Sections, events, heaps, objects.
 #include "qzexception.h"
 #include "qzheap.h"
 #include "qzobject.h"
@@ -28,26 +28,6 @@ void count_under_section(Work& work) {
         work.shared.section->Unlock();
     }
     work.shared.expected += times;
-}
-
-struct Meeting {
-    const char* key;
-    CQZRef<IEvent> go, done;
-    int told = 0;
-};
-
-unsigned meet(void* arg) {
-    Meeting& meeting = *static_cast<Meeting*>(arg);
-    char name[32];
-    QZCreateObjName(meeting.key, name, 0);
-    if (const HANDLE started = OpenEventA(EVENT_MODIFY_STATE, FALSE, name)) {
-        SetEvent(started);
-        CloseHandle(started);
-    }
-    meeting.go->Wait(0xFFFFFFFF);
-    ++meeting.told;
-    meeting.done->Set();
-    return 7;
 }
 
 CQZRef<IQZUnknown> new_container() {
@@ -96,23 +76,6 @@ void work_sections(Work& work) {
     const auto event = CQZRef<IEvent>::Adopt(Event_New(1));
     work.require(event->Wait(0) == QZWAIT_SIGNALLED, "the event was not set");
     work.require(event->Wait(0) == QZWAIT_TIMEOUT, "the event did not reset itself");
-}
-
-void work_threads(Work& work) {
-    const std::lock_guard guard(work.shared.one_thread);
-    static const char key[] = "soak";
-    Meeting meeting{key, CQZRef<IEvent>::Adopt(Event_New(0)), CQZRef<IEvent>::Adopt(Event_New(0))};
-    unsigned long id = 0;
-    const HANDLE thread = QZCreateThread(key, meet, &meeting, &id);
-    work.require(thread != nullptr && id != 0, "no thread");
-    meeting.go->Set();
-    work.require(meeting.done->Wait(60000) == QZWAIT_SIGNALLED && meeting.told == 1,
-                 "the thread did not work");
-    DWORD code = 0;
-    work.require(WaitForSingleObject(thread, 60000) == WAIT_OBJECT_0, "the thread did not end");
-    GetExitCodeThread(thread, &code);
-    CloseHandle(thread);
-    work.require(code == 7, "the thread's result is lost");
 }
 
 void work_heaps(Work& work) {
