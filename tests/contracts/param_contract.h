@@ -258,6 +258,9 @@ TYPED_TEST_P(ParamContract, EnumeratorsKeepTheirNamesAndGoOn) {
     EXPECT_EQ(two->Next(1, rest, nullptr), 1);
     EXPECT_EQ(two->Skip(0xFFFFFFFF), 1);
     EXPECT_EQ(two->Next(1, rest, nullptr), 0);
+    two->Reset();
+    EXPECT_EQ(two->Skip(1), 1);
+    EXPECT_EQ(two->Next(1, rest, nullptr), 1);
 }
 
 TYPED_TEST_P(ParamContract, NodesOutliveWhatTheyWereReachedThrough) {

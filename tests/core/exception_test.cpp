@@ -21,6 +21,9 @@ TEST(Exception, CodesAndModule) {
     EXPECT_EQ(iface.GetCode(), 10u);
     EXPECT_TRUE(*iface.m_pIid == typeid(std::string));
     EXPECT_EQ(CXException(1).m_hModule, GetModuleHandleA("qzrcore.dll"));
+    CXEofException end;
+    end.Report(); // by itself it tells nobody
+    EXPECT_EQ(end.GetCode(), 4u);
 }
 
 TEST(ExceptionName, SurvivesBeingThrownAgain) {

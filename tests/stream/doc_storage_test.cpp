@@ -84,6 +84,8 @@ TEST_F(DocStorage, TheRestPassesThrough) {
     EXPECT_EQ(thrown_by([&] { document->OpenStorage("none"); }), "6, 0, none");
     EXPECT_EQ(thrown_by([&] { document->DestroyStream("none"); }), "6, 4, ");
     document->DestroyStream("a");
+    StorageRef::Adopt(raw->CreateStorage("t"));
+    document->DestroyStorage("t");
     EXPECT_EQ(children_in(*document), "s");
     EXPECT_EQ(Storage_GetOLEStorage(document.Get()), nullptr);
 }
