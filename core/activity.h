@@ -1,15 +1,16 @@
 // What the heaps have done so far, in numbers.
 #pragma once
 
-#include "core/windows_lean.h"
+#include "core/this_thread.h"
 
 #include <atomic>
+#include <cstdint>
 
 namespace qzr {
 
-// Cumulative counters, exact from any number of threads. A thread has a slot of its own, found by its id, and
-// adds there without an atomic instruction: those would cost an allocation a fifth of its time. A thread that
-// finds its slot taken by another, be it one that ended long ago, counts in the slot for all.
+// Cumulative counters, exact from any number of threads. A thread has a slot of its own and adds there
+// without an atomic instruction: those would cost an allocation a fifth of its time. A thread that finds its
+// slot taken by another, be it one that ended long ago, counts in the slot for all.
 class Activity {
 public:
     void count_request(unsigned long long bytes) noexcept { count(bytes); }
@@ -23,15 +24,21 @@ private:
 
     // A line of the processor's cache each.
     struct alignas(64) Slot {
-        std::atomic<DWORD> thread{0};
+        std::atomic<const void*> thread{nullptr};
         Counter bytes{0};
         Counter operations{0};
     };
-    static constexpr unsigned kSlots = 64;
+    static constexpr unsigned kSlotBits = 6;
+
+    // What tells threads apart are addresses of whole pages, some of them many pages apart.
+    Slot& slot_of(const void* thread) noexcept {
+        const auto page = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(thread)) / 4096;
+        return own_[page * 0x9E3779B97F4A7C15u >> (64 - kSlotBits)];
+    }
 
     void count(unsigned long long bytes) noexcept {
-        const DWORD self = GetCurrentThreadId();
-        Slot& slot = own_[self / 4 % kSlots]; // thread ids are multiples of four
+        const void* const self = this_thread();
+        Slot& slot = slot_of(self);
         if (slot.thread.load(std::memory_order_relaxed) == self || claim(slot, self)) {
             add_alone(slot.bytes, bytes);
             add_alone(slot.operations, 1);
@@ -41,8 +48,8 @@ private:
         }
     }
 
-    static bool claim(Slot& slot, DWORD self) noexcept {
-        DWORD free = 0;
+    static bool claim(Slot& slot, const void* self) noexcept {
+        const void* free = nullptr;
         return slot.thread.compare_exchange_strong(free, self, std::memory_order_relaxed);
     }
 
@@ -57,7 +64,7 @@ private:
         return total;
     }
 
-    Slot own_[kSlots];
+    Slot own_[1 << kSlotBits];
     Slot shared_;
 };
 

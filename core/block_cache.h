@@ -1,7 +1,7 @@
 // Freed blocks kept for the next request of their size.
 #pragma once
 
-#include "core/windows_lean.h"
+#include "core/this_thread.h"
 
 #include <atomic>
 #include <bit>
@@ -83,15 +83,6 @@ private:
     static constexpr std::size_t largest_of(std::size_t c) noexcept {
         const std::size_t doublings = c < 2 * kPerPower ? 0 : c / kPerPower - 1;
         return (c - doublings * kPerPower + 1) << (kLeastStepBits + doublings);
-    }
-
-    // What tells the running thread from others: the address of its environment block, found without a call.
-    // NtCurrentTeb() does the same; the compiler takes it for an access to an array without elements.
-    static const void* this_thread() noexcept {
-        static_assert(offsetof(NT_TIB, Self) == 0x30);
-        const void* block;
-        asm("movq %%gs:0x30, %0" : "=r"(block));
-        return block;
     }
 
     struct FreeBlock {
