@@ -2,6 +2,19 @@
 
 using namespace qzr;
 
+namespace {
+
+tagQZVARIANT duplicate_or_clear(const tagQZVARIANT& source, tagQZVARIANT& target) {
+    try {
+        return duplicate_of(source);
+    } catch (...) {
+        QZVariantClear(&target);
+        throw;
+    }
+}
+
+} // namespace
+
 void QZVariantInit(tagQZVARIANT* v) { set_empty(*v); }
 
 void QZVariantClear(tagQZVARIANT* v) { replace_value(*v, empty_record()); }
@@ -16,12 +29,5 @@ void QZVariantCopy(tagQZVARIANT* dst, const tagQZVARIANT* src) {
         replace_value(*dst, *src);
         return;
     }
-    tagQZVARIANT fresh;
-    try {
-        fresh = duplicate_of(*src);
-    } catch (...) {
-        QZVariantClear(dst);
-        throw;
-    }
-    replace_value(*dst, fresh);
+    replace_value(*dst, duplicate_or_clear(*src, *dst));
 }
