@@ -61,7 +61,7 @@ const __m128i* line_of(std::uintptr_t address) {
 
 // A mask for each block of a line, in one.
 template <class Mask>
-std::uint64_t bits_of_line(const __m128i* line, Mask mask) {
+[[gnu::always_inline]] inline std::uint64_t bits_of_line(const __m128i* line, Mask mask) {
     const auto bits = [&](int block) {
         return std::uint64_t{mask(_mm_load_si128(line + block))} << 16 * block;
     };
