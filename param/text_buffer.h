@@ -2,32 +2,31 @@
 #pragma once
 
 #include "core/move_bytes.h"
+#include "stream/block_storage.h"
 
 #include <cstddef>
-#include <memory>
 #include <string_view>
 
 namespace qzr {
 
-// A text below 2 GiB. Growing throws std::bad_alloc, or std::length_error when the text would get too long.
+// A text below 2 GiB. Growing throws std::bad_alloc, or std::length_error when the text would get too long. A
+// long one grows in place; one that moves to new pages each time costs a large tree a tenth more.
 class TextBuffer {
 public:
     static constexpr std::size_t kMostBytes = 0x7FFFFFFE;
 
-    TextBuffer();
-
     std::size_t size() const { return size_; }
-    char* data() { return bytes_.get(); }
-    std::string_view view() const { return {bytes_.get(), size_}; }
+    char* data() { return reinterpret_cast<char*>(bytes_.data()); }
+    std::string_view view() const { return {reinterpret_cast<const char*>(bytes_.data()), size_}; }
     const char* c_str() {
         *room(1) = '\0';
-        return bytes_.get();
+        return data();
     }
 
     // Room for n more bytes behind the text; added() makes what was written there part of it.
     char* room(std::size_t n) {
         if (n > capacity_ - size_) grow(n);
-        return bytes_.get() + size_;
+        return data() + size_;
     }
     void added(std::size_t n) { size_ += n; }
 
@@ -44,8 +43,8 @@ public:
 private:
     void grow(std::size_t n);
 
-    std::unique_ptr<char[]> bytes_;
-    std::size_t capacity_;
+    BlockStorage bytes_;
+    std::size_t capacity_ = 0;
     std::size_t size_ = 0;
 };
 
