@@ -22,11 +22,12 @@ void deallocate(NameEntry* segment, unsigned entries) noexcept {
 void NameSlots::grow() {
     if (capacity_ >= kSegment) {
         if (capacity_ > std::numeric_limits<int>::max() - kSegment) throw CXMemException();
-        more_.push_back(nullptr);
+        if (segments_.empty()) segments_.push_back(first_);
+        segments_.push_back(nullptr);
         try {
-            more_.back() = allocate(kSegment);
+            segments_.back() = allocate(kSegment);
         } catch (...) {
-            more_.pop_back();
+            segments_.pop_back();
             throw;
         }
         capacity_ += kSegment;
@@ -42,12 +43,13 @@ void NameSlots::grow() {
 
 void NameSlots::shrink(unsigned size) noexcept {
     size_ = size;
-    while (!more_.empty() && size <= capacity_ - kSegment) {
-        deallocate(more_.back(), kSegment);
-        more_.pop_back();
+    while (capacity_ > kSegment && size <= capacity_ - kSegment) {
+        deallocate(segments_.back(), kSegment);
+        segments_.pop_back();
         capacity_ -= kSegment;
     }
     if (size != 0) return;
+    segments_.clear();
     deallocate(first_, capacity_);
     first_ = nullptr;
     capacity_ = 0;

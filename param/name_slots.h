@@ -33,8 +33,9 @@ public:
     ~NameSlots() { shrink(0); }
 
     unsigned size() const noexcept { return size_; }
+    // Asks for the number of segments, which the processor can foresee, and not whether it is the first.
     NameEntry& operator[](unsigned at) noexcept {
-        return at < kSegment ? first_[at] : more_[at / kSegment - 1][at % kSegment];
+        return capacity_ <= kSegment ? first_[at] : segments_[at / kSegment][at % kSegment];
     }
     const NameEntry& operator[](unsigned at) const noexcept { return const_cast<NameSlots&>(*this)[at]; }
 
@@ -49,7 +50,7 @@ public:
 
     void swap(NameSlots& other) noexcept {
         std::swap(first_, other.first_);
-        more_.swap(other.more_);
+        segments_.swap(other.segments_);
         std::swap(size_, other.size_);
         std::swap(capacity_, other.capacity_);
     }
@@ -61,7 +62,7 @@ private:
     void grow();
 
     NameEntry* first_ = nullptr;
-    Vector<NameEntry*> more_; // the segments behind the first one
+    Vector<NameEntry*> segments_; // all, once there is more than one
     unsigned size_ = 0;
     unsigned capacity_ = 0;
 };
