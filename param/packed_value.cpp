@@ -15,6 +15,22 @@ bool fits(const tagQZVARIANT& value) {
     return type != nullptr && type->memory_size <= PackedValue::kRoom;
 }
 
+// Over a record that owns nothing; it is empty when there is no memory for the copy. Most values are put
+// together in their place: one that is made elsewhere and moved at once keeps the processor waiting for its
+// parts, a twentieth of the time of a look-up.
+void write_copy(const PackedValue& packed, tagQZVARIANT& record) {
+    set_empty(record);
+    if (is_plain(packed)) {
+        std::memcpy(payload(record), packed.bytes, PackedValue::kRoom);
+        record.vt = packed.code;
+    } else if (packed.code == PackedValue::kShortText) {
+        record.pszVal = mem_dup(packed.bytes, text_length(packed.bytes) + 1);
+        record.vt = QZVT_TEXT;
+    } else {
+        record = duplicate_of(borrowed(packed));
+    }
+}
+
 } // namespace
 
 PackedValue pack(const tagQZVARIANT& value) {
@@ -52,13 +68,8 @@ tagQZVARIANT borrowed(const PackedValue& packed) {
 }
 
 void copy_out(const PackedValue& packed, tagQZVARIANT& record) {
-    if (is_plain(packed)) {
-        tagQZVARIANT fresh;
-        fresh.vt = packed.code;
-        char* const bytes = static_cast<char*>(payload(fresh));
-        std::memcpy(bytes, packed.bytes, PackedValue::kRoom);
-        std::memset(bytes + PackedValue::kRoom, 0, sizeof fresh.rrectVal - PackedValue::kRoom);
-        replace_value(record, fresh);
+    if (!owns_something(record)) {
+        write_copy(packed, record);
         return;
     }
     const tagQZVARIANT value = borrowed(packed);
