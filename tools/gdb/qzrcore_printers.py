@@ -142,8 +142,9 @@ def listed(names):
         return
     slots = names["slots_"]
     size, segment_size = int(slots["size_"]), int(slots["kSegment"])
+    segmented = int(slots["capacity_"]) > segment_size
     for first in range(0, size, segment_size):
-        segment = slots["more_"]["_M_impl"]["_M_start"][first // segment_size - 1] if first else slots["first_"]
+        segment = slots["segments_"]["_M_impl"]["_M_start"][first // segment_size] if segmented else slots["first_"]
         count = min(segment_size, size - first)
         entries = segment.cast(segment.type.target().array(count - 1).pointer()).dereference()
         entries.fetch_lazy()  # at once: each reading from another machine takes its time
