@@ -39,7 +39,9 @@ protected:
 /// An application's helper when memory runs out.
 class ILowMemoryNotifySink {
 public:
-    /// Called with the heap lock held: it must not wait for another thread that allocates.
+    /// Called with the heap lock held: it must not wait for another thread that allocates. The call that ran
+    /// out of memory is still under way, so strings, trees and other objects that it works on must stay as
+    /// they are.
     /// @param attempt 0 at the first refusal of a request, then one more each time
     /// @return non-zero when memory was released and the request is to be tried again
     virtual int OnLowMemory(unsigned attempt) = 0;

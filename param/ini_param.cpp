@@ -179,17 +179,16 @@ void CIniFileParam::DeleteValue(const char* name) {
 }
 
 // Deleting a key takes its first line away, so that each line counts, and not each key. A list that was cut
-// is asked for again as long as it begins with another line.
+// is asked for again as long as it changes: lines that do not go may stand at its head.
 void CIniFileParam::DeleteAllValues() {
-    HeapText first_before;
+    ProfileNames lines = profile().lines(section_.GetData());
     for (bool more = true; more;) {
-        ProfileNames lines = profile().lines(section_.GetData());
-        const char* line = lines.next();
-        if (line == nullptr || first_before == line) break;
-        first_before = line;
-        for (; line != nullptr; line = lines.next())
+        while (const char* const line = lines.next())
             DeleteValue(HeapText(line, std::strcspn(line, "=")).c_str());
-        more = lines.cut();
+        if (!lines.cut()) break;
+        ProfileNames left = profile().lines(section_.GetData());
+        more = !left.same_as(lines);
+        lines = std::move(left);
     }
     profile().write(section_.GetData(), kMark, kEmptyText);
 }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <string_view>
 
 namespace qzr {
 
@@ -48,6 +49,10 @@ const char* ProfileNames::next() noexcept {
         if (*name != '\0') return name;
     }
     return nullptr;
+}
+
+bool ProfileNames::same_as(const ProfileNames& other) const noexcept {
+    return std::string_view(bytes_.data(), end_) == std::string_view(other.bytes_.data(), other.end_);
 }
 
 unsigned Profile::get(const char* section, const char* key, unsigned room, Vector<char>& text) const {

@@ -21,6 +21,9 @@ public:
     bool cut() const noexcept { return end_ + 2 >= kProfileRoom; } // there may be more
     bool refused() const noexcept { return refused_; }             // another program has the file to itself
 
+    // Whether the platform listed the same, wherever next() is.
+    bool same_as(const ProfileNames& other) const noexcept;
+
 private:
     friend class Profile;
     ProfileNames(Vector<char> bytes, unsigned end, bool refused)

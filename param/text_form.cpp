@@ -27,7 +27,7 @@ struct TextLevel : WalkLevel {
 };
 
 // Reads the values of one node. Those of a tree in memory are not copied: writing them as text calls nobody
-// who could change the tree meanwhile.
+// but the low-memory sink, which leaves the tree alone.
 class ValueReader {
 public:
     explicit ValueReader(IParam& node) : node_(node), in_memory_(dynamic_cast<CMemParam*>(&node)) {}

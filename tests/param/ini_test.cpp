@@ -348,6 +348,15 @@ TEST_F(IniScale, CutsListsAt64000Bytes) {
     EXPECT_EQ(contents(), "");
 }
 
+// A text without a key does not go.
+TEST_F(IniScale, DeletesTheValuesBehindALineThatStays) {
+    std::string text = "[\\]\r\n=stays\r\n";
+    for (int i = 0; i < 50; ++i)
+        text += "k" + std::to_string(i) + "=s" + std::string(1600, 'x') + "\r\n";
+    tree_on(text)->DeleteAllValues();
+    EXPECT_EQ(contents(), "[\\]\r\n=stays\r\n@=e\r\n");
+}
+
 DWORD WINAPI too_much(const char*, const char*, const char*, char* buffer, DWORD size, const char*) {
     for (DWORD i = 0; i < size; ++i)
         buffer[i] = 'i';
