@@ -67,8 +67,8 @@ QZR_API IParam* new_MemParam();
 
 /// Writes a tree in its text form on one line, statements joined by "|". docs/text-form.md describes it.
 /// @return 1; 0 when param is null or there is no memory for the text (out is then untouched)
-///         Throws CXIFaceException when a node gives no enumerator, and what the tree throws; out is then
-///         untouched too.
+///         Throws CXIFaceException when a node gives no enumerator, CXMemException when there is no memory to
+///         walk the tree, and what the tree throws; out is then untouched too.
 QZR_API int Param_Param2String(IParam* param, CXString& out);
 
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
