@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -62,6 +64,57 @@ public:
     int added = 0, removed = 0;
     std::function<void(IQZServiceContainer&)> when_added = [](auto&) {}, when_removed = when_added;
 };
+
+// Bytes count as signed numbers.
+unsigned hash_of(const std::string& name) {
+    unsigned hash = 0;
+    for (const signed char c : name)
+        hash = hash * 257 + static_cast<unsigned>(c);
+    return hash;
+}
+
+// The map gets an index besides its buckets at 256 names, and loses none of them when others go.
+TEST(ServiceContainer, KeepsTheOrderOfItsBucketsAtEverySize) {
+    std::minstd_rand random(7);
+    std::map<unsigned, std::string> names; // by hash: equal ones are one name
+    while (names.size() < 3000) {
+        std::string name(1 + random() % 40, '\0');
+        for (char& c : name)
+            c = static_cast<char>(1 + random() % 255);
+        names.emplace(hash_of(name), name);
+    }
+    CountingObject object;
+    const auto container = make_container();
+    std::vector<std::string> buckets[127];
+    const auto in_order = [&] {
+        std::vector<std::string> all;
+        for (const auto& bucket : buckets)
+            all.insert(all.end(), bucket.begin(), bucket.end());
+        return all;
+    };
+    for (std::size_t size = 0; const auto& [hash, name] : names) {
+        ASSERT_EQ(container->AddService(name.c_str(), &object), 1);
+        auto& bucket = buckets[hash % 127];
+        bucket.insert(bucket.begin(), name);
+        if (++size % 97 == 0 || (size > 250 && size < 260)) {
+            ASSERT_EQ(names_in(*container), in_order());
+        }
+    }
+    for (const bool removed : {false, true}) {
+        for (const auto& [hash, name] : names) {
+            const bool goes = name.size() % 2 == 0;
+            if (goes) {
+                ASSERT_EQ(container->RemoveService(name.c_str()), removed ? 0 : 1);
+            }
+            ASSERT_EQ(container->GetService(name.c_str(), nullptr), goes ? 0 : 1);
+        }
+    }
+    for (auto& bucket : buckets)
+        std::erase_if(bucket, [](const std::string& name) { return name.size() % 2 == 0; });
+    EXPECT_EQ(names_in(*container), in_order());
+    container->RemoveAllServices();
+    EXPECT_EQ(object.references, 1u);
+}
 
 TEST(ServiceContainer, KeepsServicesByName) {
     CountingObject first, second;
