@@ -1,5 +1,5 @@
 // qzrtool: shows, converts, compares and changes stored parameter trees. docs/qzrtool.md is its manual.
-#include "command_line.h"
+#include "cli/command_line.h"
 
 int wmain(int count, wchar_t** arguments) {
     try {
