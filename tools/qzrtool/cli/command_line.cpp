@@ -109,7 +109,7 @@ ExitCode run(const std::vector<std::wstring>& arguments) {
     }
     check_count(command, typed.words.size());
 
-    Diagnostics diagnostics(options.strict);
+    PrintedDiagnostics diagnostics(options.strict);
     Output out(options.color);
     Invocation invocation = {std::move(typed.words), options, diagnostics, out};
     const ExitCode code = command.run(invocation);

@@ -1,4 +1,4 @@
-// Standard output and standard error, as UTF-8.
+// Standard output in colours.
 #pragma once
 
 #include <optional>
@@ -6,14 +6,6 @@
 #include <string_view>
 
 namespace tool {
-
-enum class StandardStream { output, error };
-
-/// Writes at once: to a console as characters, to anything else as UTF-8. @return false when that failed
-bool write_standard(StandardStream stream, std::string_view utf8_text);
-
-/// @return whether somebody is looking: a console, or the environment says so
-bool is_terminal(StandardStream stream);
 
 enum class ColorChoice { automatic, always, never };
 

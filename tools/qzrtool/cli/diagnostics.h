@@ -1,7 +1,8 @@
-// Warnings, failures, and the one place where exceptions become texts.
+// Warnings and failures as the command line tells them, and the one place where exceptions become exit codes.
 #pragma once
 
-#include "qzexception.h"
+#include "system/diagnostics.h"
+#include "system/failure.h"
 
 #include <string>
 
@@ -15,37 +16,21 @@ enum ExitCode {
     kCancelled = 4, // ended by Ctrl-C
 };
 
-/// Ends the command.
-struct Failure {
-    ExitCode exit_code;
-    std::string text; // UTF-8, without the program's name
-};
-
-[[noreturn]] void fail(std::string text);
-
-/// Says what the user should know although the work goes on.
-class Diagnostics {
+// Prints warnings on standard error; after a hundred of them it only counts.
+class PrintedDiagnostics final : public Diagnostics {
 public:
-    explicit Diagnostics(bool strict) : strict_(strict) {}
-    ~Diagnostics(); // says how many warnings were not printed
-    Diagnostics(const Diagnostics&) = delete;
-    Diagnostics& operator=(const Diagnostics&) = delete;
+    explicit PrintedDiagnostics(bool strict) : strict_(strict) {}
+    ~PrintedDiagnostics(); // says how many warnings were not printed
+    PrintedDiagnostics(const PrintedDiagnostics&) = delete;
+    PrintedDiagnostics& operator=(const PrintedDiagnostics&) = delete;
 
-    /// Prints a warning; after a hundred of them it only counts.
-    /// @param place where: "FILE:LINE" or "FILE"
-    void warn(const std::string& place, const std::string& text);
-
-    /// Ends the command when warnings were given and the user asked for --strict. Called before anything is
-    /// written.
-    void stop_if_strict() const;
+    void warn(const std::string& place, const std::string& text) override;
+    void stop_if_strict() const override; // strict: with --strict
 
 private:
     bool strict_;
     unsigned count_ = 0;
 };
-
-/// @return what went wrong, without the name of the file
-std::string error_text(const CXException& error);
 
 /// Writes a line to standard error.
 void print_error(const std::string& line);

@@ -113,7 +113,7 @@ CQZRef<Progress> progress_over(Invocation& invocation, const char* what,
     unsigned long long total = 0;
     for (const std::wstring& file : files)
         total += size_of(file);
-    auto progress = Progress::make(invocation.options.progress, what);
+    auto progress = make_progress(invocation.options.progress, what);
     progress->begin(total);
     return progress;
 }

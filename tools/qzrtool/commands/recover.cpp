@@ -37,7 +37,7 @@ std::string kind_text(const Leftover& leftover) {
     try {
         read_pieces(leftover.path, name_of(leftover), [&](std::string_view piece) {
             head = piece.substr(0, std::min(kLookedAt, piece.size()));
-            throw Failure{kOk, {}}; // enough
+            throw Failure{}; // enough
         });
     } catch (const Failure&) {
         // What cannot be read has no kind.

@@ -110,7 +110,7 @@ ExitCode run_storage_ls(Invocation& invocation) {
 }
 
 ExitCode run_storage_cat(Invocation& invocation) {
-    const auto progress = Progress::make(invocation.options.progress, "reading");
+    const auto progress = make_progress(invocation.options.progress, "reading");
     StorageSource source(invocation.arguments[0], progress.Get());
     const auto stream = source.stream();
     if (!stream) return source.not_found("stream");
@@ -125,7 +125,7 @@ ExitCode run_storage_cat(Invocation& invocation) {
 }
 
 ExitCode run_storage_check(Invocation& invocation) {
-    const auto progress = Progress::make(invocation.options.progress, "checking");
+    const auto progress = make_progress(invocation.options.progress, "checking");
     const StorageSource source(invocation.arguments[0], progress.Get());
     const auto top = source.storage();
     if (!top) return source.not_found("storage");

@@ -196,7 +196,7 @@ ExitCode run_storage_put(Invocation& invocation) {
     const fs::path source = fs::absolute(native_path(invocation.arguments[1]));
 
     fetch_if_there(target);
-    const auto progress = Progress::make(invocation.options.progress, "writing");
+    const auto progress = make_progress(invocation.options.progress, "writing");
     CompoundFileEdit file(target.file, target.shown, CompoundFileEdit::from_contents, progress.Get());
     {
         const auto storage = make_storage(file.root(), {path.names.begin(), path.names.end() - 1});
@@ -225,7 +225,7 @@ ExitCode run_storage_rm(Invocation& invocation) {
     fetch(target);
     if (!fs::exists(target.file)) fail(target.shown + ": there is no such file");
 
-    const auto progress = Progress::make(invocation.options.progress, "writing");
+    const auto progress = make_progress(invocation.options.progress, "writing");
     CompoundFileEdit file(target.file, target.shown, CompoundFileEdit::from_contents, progress.Get());
     {
         const auto storage = find_storage(file.root(), {path.names.begin(), path.names.end() - 1});
@@ -252,7 +252,7 @@ ExitCode run_storage_pack(Invocation& invocation) {
     if (!target.inside.empty()) fail(target.shown + ": a folder is packed into a file of its own");
     const Plan plan(folder);
 
-    const auto progress = Progress::make(invocation.options.progress, "packing");
+    const auto progress = make_progress(invocation.options.progress, "packing");
     CompoundFileEdit file(target.file, target.shown, CompoundFileEdit::from_nothing, progress.Get());
     progress->begin(plan.bytes());
     for (const PackedEntry& entry : plan.entries()) {
@@ -264,7 +264,7 @@ ExitCode run_storage_pack(Invocation& invocation) {
 }
 
 ExitCode run_storage_extract(Invocation& invocation) {
-    const auto progress = Progress::make(invocation.options.progress, "extracting");
+    const auto progress = make_progress(invocation.options.progress, "extracting");
     const StorageSource source(invocation.arguments[0], progress.Get());
     const auto top = source.storage();
     if (!top) return source.not_found("storage");

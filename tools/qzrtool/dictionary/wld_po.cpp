@@ -1,7 +1,7 @@
 #include "dictionary/wld_po.h"
 
-#include "cli/diagnostics.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 
 #include <charconv>
 

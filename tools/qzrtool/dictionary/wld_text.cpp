@@ -1,6 +1,6 @@
 #include "dictionary/wld_text.h"
 
-#include "cli/diagnostics.h"
+#include "system/failure.h"
 
 #include <limits>
 #include <windows.h>

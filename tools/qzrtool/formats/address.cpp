@@ -1,13 +1,13 @@
 #include "formats/address.h"
 
-#include "cli/console.h"
-#include "cli/diagnostics.h"
 #include "formats/kinds.h"
 #include "qzfile.h"
 #include "qzurl.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "system/files.h"
 #include "system/remote.h"
+#include "system/standard_streams.h"
 
 #include <algorithm>
 #include <cwchar>

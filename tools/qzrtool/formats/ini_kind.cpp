@@ -5,6 +5,7 @@
 #include "formats/text_edit.h"
 #include "formats/text_file.h"
 #include "formats/text_scan.h"
+#include "system/failure.h"
 #include "system/files.h"
 #include "system/low_memory.h"
 

@@ -2,6 +2,7 @@
 
 #include "qzstream.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "trees/values.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // The kinds of stored trees: one table, with a row for each.
 #pragma once
 
-#include "cli/diagnostics.h"
 #include "formats/address.h"
 #include "formats/limits.h"
+#include "system/diagnostics.h"
 #include "trees/tree.h"
 
 #include <span>

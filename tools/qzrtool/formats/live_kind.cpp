@@ -4,6 +4,7 @@
 
 #include "formats/limits.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "system/files.h"
 #include "trees/tree_copy.h"
 

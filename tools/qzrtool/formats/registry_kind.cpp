@@ -3,6 +3,7 @@
 
 #include "formats/limits.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "trees/tree_copy.h"
 #include "trees/values.h"
 

@@ -3,6 +3,7 @@
 
 #include "formats/limits.h"
 #include "storage/storage_walk.h"
+#include "system/failure.h"
 #include "trees/tree_copy.h"
 
 namespace tool {

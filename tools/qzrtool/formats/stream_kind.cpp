@@ -3,6 +3,7 @@
 
 #include "formats/stream_check.h"
 #include "qzbytes.h"
+#include "system/failure.h"
 
 namespace tool {
 

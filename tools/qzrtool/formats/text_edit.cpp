@@ -3,6 +3,7 @@
 #include "formats/text_file.h"
 #include "formats/text_scan.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "system/files.h"
 
 #include <algorithm>

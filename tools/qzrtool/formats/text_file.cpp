@@ -1,7 +1,7 @@
 #include "formats/text_file.h"
 
-#include "cli/diagnostics.h"
 #include "formats/statements.h"
+#include "system/failure.h"
 
 #include <algorithm>
 

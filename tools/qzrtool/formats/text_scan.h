@@ -2,8 +2,8 @@
 // wrong with it. The library itself decides what is understood: each statement is given to it alone.
 #pragma once
 
-#include "cli/diagnostics.h"
 #include "formats/statements.h"
+#include "system/diagnostics.h"
 #include "trees/tree.h"
 
 #include <deque>

@@ -1,7 +1,8 @@
 #include "storage/compound_file.h"
 
-#include "cli/diagnostics.h"
 #include "qzrange.h"
+#include "system/error_text.h"
+#include "system/failure.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 // Compound files: opened for reading, or changed as a whole.
 #pragma once
 
-#include "cli/progress.h"
 #include "qzstream.h"
 #include "storage/element_names.h"
 #include "system/files.h"
+#include "system/progress.h"
 
 #include <filesystem>
 #include <string>

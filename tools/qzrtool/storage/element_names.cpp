@@ -1,7 +1,7 @@
 #include "storage/element_names.h"
 
-#include "cli/diagnostics.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 
 #include <algorithm>
 #include <cwctype>

@@ -1,6 +1,7 @@
 #include "storage/storage_walk.h"
 
-#include "cli/diagnostics.h"
+#include "system/error_text.h"
+#include "system/failure.h"
 
 #include <new>
 

@@ -1,6 +1,6 @@
 #include "system/encoding.h"
 
-#include "cli/diagnostics.h"
+#include "system/failure.h"
 
 namespace tool {
 

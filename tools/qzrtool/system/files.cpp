@@ -1,7 +1,7 @@
 #include "system/files.h"
 
-#include "cli/diagnostics.h"
 #include "qzfile.h"
+#include "system/failure.h"
 
 #include <algorithm>
 #include <cerrno>

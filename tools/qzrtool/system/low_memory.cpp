@@ -1,7 +1,7 @@
 #include "system/low_memory.h"
 
-#include "cli/diagnostics.h"
 #include "qzexport.h" // keeps min and max out of the system header
+#include "system/failure.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include "system/recovery.h"
 
-#include "cli/diagnostics.h"
+#include "system/failure.h"
 #include "system/files.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "system/remote.h"
 
-#include "cli/diagnostics.h"
 #include "qzurl.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 
 #include <windows.h>
 #include <wininet.h>

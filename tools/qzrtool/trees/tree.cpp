@@ -1,7 +1,7 @@
 #include "trees/tree.h"
 
-#include "cli/diagnostics.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 #include "trees/values.h"
 
 namespace tool {

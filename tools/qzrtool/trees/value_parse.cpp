@@ -1,7 +1,7 @@
 #include "trees/values.h"
 
-#include "cli/diagnostics.h"
 #include "system/encoding.h"
+#include "system/failure.h"
 
 #include <algorithm>
 #include <array>
