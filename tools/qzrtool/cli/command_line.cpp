@@ -8,6 +8,8 @@ namespace tool {
 
 namespace {
 
+constexpr std::string_view kHelp = "help"; // the command that --help stands for
+
 bool lists(std::string_view words, std::string_view word) {
     return (" " + std::string(words) + " ").find(" " + std::string(word) + " ") != std::string::npos;
 }
@@ -34,18 +36,18 @@ Typed take_apart(const std::vector<std::wstring>& arguments) {
 }
 
 /// Takes the name of the command, one word or two, off the front of the words.
-const Command& take_command(std::vector<std::wstring>& words) {
+const Command& take_command(std::span<const Command> commands, std::vector<std::wstring>& words) {
     const std::string first = utf8(words.front());
     std::string name = first;
     for (std::size_t count = 1; count <= 2 && count <= words.size(); ++count) {
         if (count == 2) name += " " + utf8(words[1]);
-        for (const Command& command : commands()) {
+        for (const Command& command : commands) {
             if (name != command.name) continue;
             words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(count));
             return command;
         }
     }
-    for (const Command& command : commands()) {
+    for (const Command& command : commands) {
         if (is_named(command, first))
             fail("which " + first + " command? qzrtool help " + first + " lists them");
     }
@@ -86,7 +88,7 @@ bool takes(const Command& command, const Option& option) {
     return option.every_command || lists(command.options, option.name);
 }
 
-ExitCode run(const std::vector<std::wstring>& arguments) {
+ExitCode run(const std::vector<std::wstring>& arguments, std::span<const Command> commands) {
     Typed typed = take_apart(arguments);
     for (const std::string& option : typed.options) {
         if (option == "--help" || option == "-h") typed.words.insert(typed.words.begin(), L"help");
@@ -101,8 +103,8 @@ ExitCode run(const std::vector<std::wstring>& arguments) {
                   [](const std::string& option) { return option == "--help" || option == "-h"; });
     if (typed.words.empty()) fail("which command? qzrtool help lists them");
 
-    const Command& command = take_command(typed.words);
-    if (command.run == run_help && typed.words.size() > 2) typed.words.resize(2);
+    const Command& command = take_command(commands, typed.words);
+    if (command.name == kHelp && typed.words.size() > 2) typed.words.resize(2);
     Options options;
     for (const std::string& option : typed.options) {
         set_option(command, option, options);
@@ -111,7 +113,7 @@ ExitCode run(const std::vector<std::wstring>& arguments) {
 
     PrintedDiagnostics diagnostics(options.strict);
     Output out(options.color);
-    Invocation invocation = {std::move(typed.words), options, diagnostics, out};
+    Invocation invocation = {commands, std::move(typed.words), options, diagnostics, out};
     const ExitCode code = command.run(invocation);
     out.finish();
     return code;

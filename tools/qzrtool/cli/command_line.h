@@ -5,7 +5,6 @@
 #include "cli/diagnostics.h"
 #include "cli/progress.h"
 #include "cli/view.h"
-#include "formats/kinds.h"
 
 #include <span>
 #include <string>
@@ -21,14 +20,17 @@ struct Options {
     unsigned language = 0;  // of a new dictionary; 0: none
     ColorChoice color = ColorChoice::automatic;
     ViewOptions view;
-    LoadOptions load;
-    SaveOptions save;
+    bool salvage = false; // use what can be read of damaged data
+    bool compact = false; // text files as the library writes them, without line breaks between values
     ProgressChoice progress = ProgressChoice::automatic;
     bool yes = false; // do without asking
 };
 
+struct Command;
+
 /// What a command works on.
 struct Invocation {
+    std::span<const Command> commands;   // all there are
     std::vector<std::wstring> arguments; // without the command and the options
     Options options;
     Diagnostics& diagnostics;
@@ -54,8 +56,6 @@ struct Option {
     bool every_command;
 };
 
-std::span<const Command> commands();
-
 /// @return whether a command is the one named, or belongs to the group of that name
 bool is_named(const Command& command, std::string_view name);
 std::span<const Option> all_options();
@@ -63,40 +63,7 @@ std::span<const Option> all_options();
 /// @return whether a command takes an option
 bool takes(const Command& command, const Option& option);
 
-/// Does what the arguments say. Throws what main reports.
-ExitCode run(const std::vector<std::wstring>& arguments);
-
-// The commands.
-ExitCode run_show(Invocation& invocation);
-ExitCode run_convert(Invocation& invocation);
-ExitCode run_diff(Invocation& invocation);
-ExitCode run_get(Invocation& invocation);
-ExitCode run_set(Invocation& invocation);
-ExitCode run_rm(Invocation& invocation);
-ExitCode run_storage_ls(Invocation& invocation);
-ExitCode run_storage_cat(Invocation& invocation);
-ExitCode run_storage_check(Invocation& invocation);
-ExitCode run_storage_put(Invocation& invocation);
-ExitCode run_storage_rm(Invocation& invocation);
-ExitCode run_storage_pack(Invocation& invocation);
-ExitCode run_storage_extract(Invocation& invocation);
-ExitCode run_file_info(Invocation& invocation);
-ExitCode run_file_probe(Invocation& invocation);
-ExitCode run_file_lock_test(Invocation& invocation);
-ExitCode run_file_get(Invocation& invocation);
-ExitCode run_file_put(Invocation& invocation);
-ExitCode run_file_ls(Invocation& invocation);
-ExitCode run_file_rm(Invocation& invocation);
-ExitCode run_file_mkdir(Invocation& invocation);
-ExitCode run_recover(Invocation& invocation);
-ExitCode run_wld_check(Invocation& invocation);
-ExitCode run_wld_extract(Invocation& invocation);
-ExitCode run_wld_missing(Invocation& invocation);
-ExitCode run_wld_merge(Invocation& invocation);
-ExitCode run_wld_stats(Invocation& invocation);
-ExitCode run_wld_lookup(Invocation& invocation);
-ExitCode run_wld_export(Invocation& invocation);
-ExitCode run_wld_import(Invocation& invocation);
-ExitCode run_help(Invocation& invocation);
+// Does what the arguments say, with one of the commands. Throws what main reports.
+ExitCode run(const std::vector<std::wstring>& arguments, std::span<const Command> commands);
 
 } // namespace tool

@@ -1,6 +1,7 @@
 #include "cli/view.h"
 
 #include "cli/json.h"
+#include "cli/value_json.h"
 #include "system/encoding.h"
 #include "trees/tree.h"
 #include "trees/values.h"
@@ -19,6 +20,20 @@ struct Lines {
 };
 constexpr Lines kBoxLines = {"├─ ", "└─ ", "│  ", "   "};
 constexpr Lines kAsciiLines = {"|- ", "`- ", "|  ", "   "};
+
+Style style_of(ValueClass value_class) {
+    switch (value_class) {
+    case ValueClass::number:
+        return Style::number;
+    case ValueClass::text:
+        return Style::text;
+    case ValueClass::object:
+        return Style::object;
+    case ValueClass::nothing:
+        break;
+    }
+    return Style::faint;
+}
 
 std::string padded(std::string text, std::size_t width) {
     const std::size_t count = character_count(text);
@@ -103,7 +118,7 @@ private:
         const std::string shown = value_shown(value.value, options_.full);
         out_.write(padded(value.name, width) + "  ");
         out_.write(Style::type, shown.empty() ? type.name : padded(type.name, kTypeWidth) + "  ");
-        out_.write(type.style, shown);
+        out_.write(style_of(type.value_class), shown);
         out_.write("\n");
     }
 

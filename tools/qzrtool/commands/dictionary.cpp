@@ -1,11 +1,10 @@
 // The commands on dictionaries.
-#include "cli/command_line.h"
 #include "cli/json.h"
 #include "cli/progress.h"
+#include "commands/commands.h"
 #include "dictionary/wld_check.h"
 #include "dictionary/wld_po.h"
 #include "dictionary/wld_resources.h"
-#include "formats/address.h"
 #include "qzsupp.h"
 #include "system/encoding.h"
 #include "system/files.h"

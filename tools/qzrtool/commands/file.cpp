@@ -1,9 +1,10 @@
 // qzrtool file info, probe, lock-test.
-#include "cli/command_line.h"
 #include "cli/json.h"
+#include "commands/commands.h"
 #include "qzfile.h"
 #include "system/child_process.h"
 #include "system/encoding.h"
+#include "system/files.h"
 #include "system/remote.h"
 
 #include <cstdio>

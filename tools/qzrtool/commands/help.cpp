@@ -1,5 +1,7 @@
 // `qzrtool help`, written from the tables.
-#include "cli/command_line.h"
+#include "commands/commands.h"
+#include "formats/kinds.h"
+#include "formats/limits.h"
 #include "system/encoding.h"
 #include "trees/values.h"
 
@@ -71,10 +73,10 @@ std::string types_text() {
     return text;
 }
 
-std::string overview() {
+std::string overview(std::span<const Command> commands) {
     std::string text = "qzrtool shows, converts, compares and changes stored parameter trees, looks into "
                        "compound files, and works on dictionaries.\n\n";
-    for (const Command& command : commands()) {
+    for (const Command& command : commands) {
         text += command_row(command);
     }
     text += row("--version", "prints the version");
@@ -108,13 +110,13 @@ std::string page(const Command& command) {
 ExitCode run_help(Invocation& invocation) {
     const auto& words = invocation.arguments;
     if (words.empty()) {
-        invocation.out.write(overview());
+        invocation.out.write(overview(invocation.commands));
         return kOk;
     }
     const std::string first = utf8(words.front());
     const std::string both = words.size() > 1 ? first + " " + utf8(words[1]) : first;
     std::string text;
-    for (const Command& command : commands()) {
+    for (const Command& command : invocation.commands) {
         if (command.name == both || command.name == first) {
             invocation.out.write(page(command));
             return kOk;

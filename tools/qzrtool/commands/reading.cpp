@@ -1,7 +1,9 @@
 // The commands that only read: show, get, diff.
-#include "cli/command_line.h"
-#include "cli/json.h"
+#include "cli/value_json.h"
+#include "commands/commands.h"
+#include "formats/resolve_address.h"
 #include "system/encoding.h"
+#include "trees/tree_path.h"
 #include "trees/values.h"
 
 namespace tool {
@@ -9,7 +11,7 @@ namespace tool {
 namespace {
 
 CQZRef<IParam> load(Invocation& invocation, const Address& address) {
-    return load_tree(address, invocation.options.load, invocation.diagnostics);
+    return load_tree(address, {invocation.options.salvage}, invocation.diagnostics);
 }
 
 ExitCode not_found(const Address& address, const std::string& path, const char* what) {

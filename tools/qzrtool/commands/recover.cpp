@@ -1,5 +1,6 @@
 // qzrtool recover.
-#include "cli/command_line.h"
+#include "commands/commands.h"
+#include "formats/kinds.h"
 #include "system/encoding.h"
 #include "system/files.h"
 #include "system/recovery.h"
@@ -7,6 +8,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <io.h>
+#include <optional>
 
 namespace tool {
 

@@ -1,6 +1,6 @@
 // qzrtool storage ls, cat, check.
-#include "cli/command_line.h"
 #include "cli/json.h"
+#include "commands/commands.h"
 #include "commands/storage_source.h"
 #include "qzbytes.h"
 

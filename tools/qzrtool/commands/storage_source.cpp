@@ -1,5 +1,7 @@
 #include "commands/storage_source.h"
 
+#include "formats/resolve_address.h"
+
 namespace tool {
 
 StorageSource::StorageSource(const std::wstring& argument, Progress* progress)

@@ -1,8 +1,10 @@
 // qzrtool storage put, rm, pack, extract.
-#include "cli/command_line.h"
+#include "commands/commands.h"
 #include "commands/storage_source.h"
+#include "formats/resolve_address.h"
 #include "qzbytes.h"
 #include "system/encoding.h"
+#include "system/files.h"
 
 #include <algorithm>
 #include <process.h>

@@ -1,8 +1,9 @@
 // qzrtool file get, put, ls, rm, mkdir.
-#include "cli/command_line.h"
+#include "commands/commands.h"
 #include "qzfile.h"
 #include "qzurl.h"
 #include "system/encoding.h"
+#include "system/files.h"
 #include "system/remote.h"
 
 #include <algorithm>

@@ -1,6 +1,8 @@
 // The commands that write: convert, set, rm.
-#include "cli/command_line.h"
+#include "commands/commands.h"
+#include "formats/resolve_address.h"
 #include "system/encoding.h"
+#include "trees/tree_path.h"
 #include "trees/values.h"
 
 namespace tool {
@@ -9,7 +11,7 @@ namespace {
 
 /// Names what the target will not hold. @return whether that is anything
 bool tell_losses(Invocation& invocation, const Address& target, IParam& tree) {
-    const Losses lost = losses(*target.kind, tree, invocation.options.save);
+    const Losses lost = losses(*target.kind, tree, {invocation.options.compact});
     for (const std::string& text : lost.texts) {
         invocation.diagnostics.warn(target.shown, "not held as it is: " + text);
     }
@@ -31,10 +33,10 @@ CQZRef<IParam> load_to_change(Invocation& invocation, const Address& address) {
 ExitCode run_convert(Invocation& invocation) {
     const Address source = source_address(invocation.arguments[0]);
     const Address target = target_address(invocation.arguments[1]);
-    const auto tree = load_tree(source, invocation.options.load, invocation.diagnostics);
+    const auto tree = load_tree(source, {invocation.options.salvage}, invocation.diagnostics);
     const bool lossy = tell_losses(invocation, target, *tree);
     invocation.diagnostics.stop_if_strict();
-    target.kind->save(target, *tree, invocation.options.save);
+    target.kind->save(target, *tree, {invocation.options.compact});
     publish(target);
     return lossy ? kNo : kOk;
 }

@@ -1,6 +1,5 @@
 #include "dictionary/wld_file.h"
 
-#include "formats/address.h"
 #include "system/encoding.h"
 #include "system/files.h"
 

@@ -1,9 +1,9 @@
 #include "dictionary/wld_resources.h"
 
 #include "dictionary/wld_text.h"
-#include "formats/address.h"
 #include "system/encoding.h"
 #include "system/failure.h"
+#include "system/files.h"
 
 #include <windows.h>
 

@@ -4,7 +4,7 @@
 #include "formats/address.h"
 #include "formats/limits.h"
 #include "system/diagnostics.h"
-#include "trees/tree.h"
+#include "trees/edit.h"
 
 #include <span>
 #include <string>
@@ -19,16 +19,6 @@ struct LoadOptions {
 struct SaveOptions {
     bool compact = false; // for files that people read: as the library writes it, without line breaks
 };
-
-/// A change of one entry.
-struct Edit {
-    enum Action { set_value, remove_value, remove_section } action;
-    TreePath path;
-    CQZVariant value; // for set_value
-};
-
-/// Makes the change in memory. @return false when there is nothing to remove
-bool apply(IParam& root, const Edit& edit);
 
 /// What an address of a kind names.
 enum class Place { file, file_or_standard, storage, registry };

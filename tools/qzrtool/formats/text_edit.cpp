@@ -1,5 +1,6 @@
 #include "formats/text_edit.h"
 
+#include "formats/kinds.h"
 #include "formats/text_file.h"
 #include "formats/text_scan.h"
 #include "system/encoding.h"

@@ -2,7 +2,8 @@
 // it.
 #pragma once
 
-#include "formats/kinds.h"
+#include "formats/address.h"
+#include "trees/edit.h"
 
 namespace tool {
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
 #include <process.h>
@@ -66,6 +67,14 @@ void refuse_target(const fs::path& file, const std::string& shown) {
 }
 
 } // namespace
+
+// Under Wine the files of the Unix system lie on a drive of their own, so the script that starts this
+// program there says which: a path that begins with one slash belongs to it.
+fs::path native_path(const std::wstring& path) {
+    const wchar_t* root = _wgetenv(L"QZRTOOL_UNIX_ROOT");
+    const bool rooted = path.size() > 1 && path[0] == L'/' && path[1] != L'/';
+    return root != nullptr && rooted ? fs::path(root + path).make_preferred() : fs::path(path);
+}
 
 std::string system_text(int error) { return std::generic_category().message(error); }
 

@@ -8,6 +8,9 @@
 
 namespace tool {
 
+// @return the path as this system takes it: under Wine one of the Unix system is found on a drive
+std::filesystem::path native_path(const std::wstring& path);
+
 /// @param shown the file's name for messages. Fails when the file cannot be read or holds 2 GiB or more, the
 /// limit of the library's streams.
 std::string read_file(const std::filesystem::path& file, const std::string& shown);

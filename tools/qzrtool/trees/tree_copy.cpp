@@ -1,8 +1,7 @@
 #include "trees/tree_copy.h"
 
-#include "formats/kinds.h"
-#include "formats/statements.h"
 #include "qzexception.h"
+#include "trees/edit.h"
 
 namespace tool {
 
@@ -20,9 +19,7 @@ bool attempt(const std::function<void()>& work) {
 }
 
 /// A separator would lead elsewhere.
-bool is_plain(const CXString& name) {
-    return name.GetSize() != 0 && find_ascii(name.GetData(), '\\') == std::string_view::npos;
-}
+bool is_plain(const CXString& name) { return name.GetSize() != 0 && name.Find(L'\\') < 0; }
 
 struct Level {
     CQZRef<IParam> from, to;

@@ -1,10 +1,8 @@
 #include "trees/values.h"
 
-#include "cli/json.h"
 #include "system/encoding.h"
 
 #include <charconv>
-#include <cmath>
 #include <initializer_list>
 
 namespace tool {
@@ -40,19 +38,6 @@ std::string bool_text(int stored) {
     return stored == 1 ? "yes" : "yes (" + std::to_string(stored) + ")";
 }
 
-std::string hex(const void* bytes, std::size_t count) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(2 * count);
-    for (std::size_t i = 0; i < count; ++i) {
-        // A blob without its bytes stands for zeroes.
-        const unsigned byte = bytes != nullptr ? static_cast<const unsigned char*>(bytes)[i] : 0u;
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
-}
-
 std::string object_text(IQZUnknown* object) {
     if (object == nullptr) return "none";
     const StoredObject stored = stored_object(object);
@@ -78,48 +63,23 @@ std::string quoted(const std::string& text, bool full) {
 std::string blob_shown(const tagQZBLOB& blob, bool full) {
     if (blob.cbSize == 0) return "0 bytes";
     const bool whole = full || blob.cbSize <= kShownBytes;
-    const std::string digits = hex(blob.pBlobData, whole ? blob.cbSize : kShownBytes);
+    const std::string digits = hex_text(blob.pBlobData, whole ? blob.cbSize : kShownBytes);
     return digits + (whole ? "" : "... (" + std::to_string(blob.cbSize) + " bytes)");
 }
 
-void write_real(JsonWriter& json, double number, const std::string& text) {
-    if (std::isfinite(number)) {
-        json.raw(text);
-    } else {
-        json.text(text);
-    }
-}
-
-void write_numbers(JsonWriter& json, std::initializer_list<long> numbers) {
-    json.begin_array();
-    for (const long number : numbers) {
-        json.raw(number_text(number));
-    }
-    json.end_array();
-}
-
-void write_numbers(JsonWriter& json, std::initializer_list<double> numbers) {
-    json.begin_array();
-    for (const double number : numbers) {
-        write_real(json, number, number_text(number));
-    }
-    json.end_array();
-}
-
-void write_object(JsonWriter& json, IQZUnknown* object) {
-    if (object == nullptr) return json.raw("null");
-    const StoredObject stored = stored_object(object);
-    json.begin_object();
-    json.key("class");
-    json.text(utf8(stored.class_name.c_str()));
-    json.key("size");
-    json.raw(std::to_string(stored.bytes.size()));
-    json.key("data");
-    json.text(hex(stored.bytes.data(), stored.bytes.size()));
-    json.end_object();
-}
-
 } // namespace
+
+std::string hex_text(const void* bytes, std::size_t count) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(2 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned byte = bytes != nullptr ? static_cast<const unsigned char*>(bytes)[i] : 0u;
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
 
 std::string value_text(const tagQZVARIANT& v) {
     switch (v.vt) {
@@ -158,7 +118,7 @@ std::string value_text(const tagQZVARIANT& v) {
     case QZVT_RRECT:
         return joined({v.rrectVal.left, v.rrectVal.top, v.rrectVal.right, v.rrectVal.bottom});
     case QZVT_BLOB:
-        return hex(v.blobVal.pBlobData, v.blobVal.cbSize);
+        return hex_text(v.blobVal.pBlobData, v.blobVal.cbSize);
     case QZVT_OBJECT:
         return object_text(v.pUnkVal);
     case QZVT_WTEXT:
@@ -180,39 +140,6 @@ std::string value_shown(const tagQZVARIANT& v, bool full) {
         return printable(object_text(v.pUnkVal));
     default:
         return value_text(v);
-    }
-}
-
-void write_value(JsonWriter& json, const tagQZVARIANT& v) {
-    switch (v.vt) {
-    case QZVT_EMPTY:
-        return json.raw("null");
-    case QZVT_BOOL:
-        return json.raw(v.boolVal == 0 ? "false" : v.boolVal == 1 ? "true" : std::to_string(v.boolVal));
-    case QZVT_DOUBLE:
-        return write_real(json, v.doubleVal, value_text(v));
-    case QZVT_FLOAT:
-        return write_real(json, static_cast<double>(v.floatVal), value_text(v));
-    case QZVT_SIZE:
-        return write_numbers(json, {v.sizeVal.cx, v.sizeVal.cy});
-    case QZVT_RSIZE:
-        return write_numbers(json, {v.rsizeVal.cx, v.rsizeVal.cy});
-    case QZVT_POINT:
-        return write_numbers(json, {v.pointVal.x, v.pointVal.y});
-    case QZVT_RPOINT:
-        return write_numbers(json, {v.rpointVal.x, v.rpointVal.y});
-    case QZVT_RECT:
-        return write_numbers(json, {v.rectVal.left, v.rectVal.top, v.rectVal.right, v.rectVal.bottom});
-    case QZVT_RRECT:
-        return write_numbers(json, {v.rrectVal.left, v.rrectVal.top, v.rrectVal.right, v.rrectVal.bottom});
-    case QZVT_TEXT:
-    case QZVT_BLOB:
-    case QZVT_WTEXT:
-        return json.text(value_text(v));
-    case QZVT_OBJECT:
-        return write_object(json, v.pUnkVal);
-    default:
-        return json.raw(value_text(v)); // the integers
     }
 }
 

@@ -13,30 +13,30 @@ namespace tool {
 namespace {
 
 constexpr ValueType kTypes[] = {
-    {QZVT_EMPTY, 'e', "empty", "nothing", Style::faint},
-    {QZVT_BOOL, 'f', "bool", "yes or no", Style::number},
-    {QZVT_UCHAR, 'b', "byte", "0 to 255", Style::number},
-    {QZVT_USHORT, 'w', "word", "0 to 65535", Style::number},
-    {QZVT_ULONG, 'W', "ulong", "0 to 4294967295", Style::number},
-    {QZVT_INT, 'i', "int", "-2147483648 to 2147483647", Style::number},
-    {QZVT_UINT, 'u', "uint", "0 to 4294967295", Style::number},
-    {QZVT_LONG, 'l', "long", "-2147483648 to 2147483647", Style::number},
-    {QZVT_DOUBLE, 'R', "double", "a 64-bit real", Style::number},
-    {QZVT_FLOAT, 'r', "float", "a 32-bit real", Style::number},
-    {QZVT_TEXT, 's', "text", "the text as it is", Style::text},
-    {QZVT_SIZE, 'z', "size", "WIDTH,HEIGHT", Style::number},
-    {QZVT_RSIZE, 'Z', "rsize", "WIDTH,HEIGHT, reals", Style::number},
-    {QZVT_POINT, 'p', "point", "X,Y", Style::number},
-    {QZVT_RPOINT, 'P', "rpoint", "X,Y, reals", Style::number},
-    {QZVT_RECT, 't', "rect", "LEFT,TOP,RIGHT,BOTTOM", Style::number},
-    {QZVT_RRECT, 'T', "rrect", "LEFT,TOP,RIGHT,BOTTOM, reals", Style::number},
-    {QZVT_BLOB, 'x', "blob", "hexadecimal digits", Style::text},
-    {QZVT_OBJECT, '\0', "object", nullptr, Style::object},
-    {QZVT_WTEXT, '\0', "wtext", "the text as it is, in 16-bit characters", Style::text},
+    {QZVT_EMPTY, 'e', "empty", "nothing", ValueClass::nothing},
+    {QZVT_BOOL, 'f', "bool", "yes or no", ValueClass::number},
+    {QZVT_UCHAR, 'b', "byte", "0 to 255", ValueClass::number},
+    {QZVT_USHORT, 'w', "word", "0 to 65535", ValueClass::number},
+    {QZVT_ULONG, 'W', "ulong", "0 to 4294967295", ValueClass::number},
+    {QZVT_INT, 'i', "int", "-2147483648 to 2147483647", ValueClass::number},
+    {QZVT_UINT, 'u', "uint", "0 to 4294967295", ValueClass::number},
+    {QZVT_LONG, 'l', "long", "-2147483648 to 2147483647", ValueClass::number},
+    {QZVT_DOUBLE, 'R', "double", "a 64-bit real", ValueClass::number},
+    {QZVT_FLOAT, 'r', "float", "a 32-bit real", ValueClass::number},
+    {QZVT_TEXT, 's', "text", "the text as it is", ValueClass::text},
+    {QZVT_SIZE, 'z', "size", "WIDTH,HEIGHT", ValueClass::number},
+    {QZVT_RSIZE, 'Z', "rsize", "WIDTH,HEIGHT, reals", ValueClass::number},
+    {QZVT_POINT, 'p', "point", "X,Y", ValueClass::number},
+    {QZVT_RPOINT, 'P', "rpoint", "X,Y, reals", ValueClass::number},
+    {QZVT_RECT, 't', "rect", "LEFT,TOP,RIGHT,BOTTOM", ValueClass::number},
+    {QZVT_RRECT, 'T', "rrect", "LEFT,TOP,RIGHT,BOTTOM, reals", ValueClass::number},
+    {QZVT_BLOB, 'x', "blob", "hexadecimal digits", ValueClass::text},
+    {QZVT_OBJECT, '\0', "object", nullptr, ValueClass::object},
+    {QZVT_WTEXT, '\0', "wtext", "the text as it is, in 16-bit characters", ValueClass::text},
 };
 static_assert(std::size(kTypes) == QZVT_COUNT);
 
-constexpr ValueType kUnknownType = {QZVT_COUNT, '\0', "unknown", nullptr, Style::faint};
+constexpr ValueType kUnknownType = {QZVT_COUNT, '\0', "unknown", nullptr, ValueClass::nothing};
 
 template <class T>
 bool same_text(const T* a, const T* b, std::size_t (*length)(const T*)) {

@@ -1,7 +1,6 @@
 // Values as people read and write them.
 #pragma once
 
-#include "cli/console.h"
 #include "qzvariant.h"
 
 #include <span>
@@ -10,7 +9,8 @@
 
 namespace tool {
 
-class JsonWriter;
+// What kind of thing a value is.
+enum class ValueClass { nothing, number, text, object };
 
 /// One row for each type code.
 struct ValueType {
@@ -19,7 +19,7 @@ struct ValueType {
     const char* name;
     const char*
         written_as; // for people: what follows the colon on the command line; null when it cannot be typed
-    Style style;
+    ValueClass value_class;
 };
 
 /// @return the table's row; for a code beyond it a row that says so
@@ -30,15 +30,14 @@ std::span<const ValueType> value_types();
 
 const ValueType* type_with_letter(char letter); // null when there is none
 
+// @return the bytes as hexadecimal digits; null stands for zeroes
+std::string hex_text(const void* bytes, std::size_t count);
+
 /// @return the whole value as one text in UTF-8: numbers without loss, bytes as hexadecimal digits
 std::string value_text(const tagQZVARIANT& value);
 
 /// @return the value for a line of a view: texts in quotes, and, unless full, long ones shortened
 std::string value_shown(const tagQZVARIANT& value, bool full);
-
-/// Writes the value as JSON: numbers and booleans as such, points, sizes and rectangles as arrays, bytes as a
-/// text of hexadecimal digits, objects as {"class", "size", "data"}; numbers that JSON lacks as texts.
-void write_value(JsonWriter& json, const tagQZVARIANT& value);
 
 /// @return whether type and value are the same to the bit; objects when class and stored bytes are the same
 bool same_value(const tagQZVARIANT& a, const tagQZVARIANT& b);
