@@ -31,10 +31,12 @@ constexpr Unit kOrdinalMark = 0xFFFF;       // the next unit is an identifier, n
 constexpr Unit kMessageBoxFont = 0x7FFF;    // a point size that stands for the font of message boxes
 constexpr std::uint32_t kStyleFont = 0x40;  // DS_SETFONT
 constexpr std::size_t kLongestText = 65535; // units
+constexpr std::size_t kMostData = 65533;    // bytes of creation data for both readings; two more can be told
 
 // What the size in front of an item's creation data counts. The plain layout counts the two bytes of the size
-// too, but tools wrote it both ways.
-enum class CreationSize { with_itself, alone };
+// too, but tools write it, and systems read it, both ways. Where padding takes up the difference, the items
+// stand in the same places either way; then the copy is to hold the data, and the items, for both.
+enum class CreationSize { with_itself, alone, either };
 
 // Most texts end within a block or two.
 std::size_t length_up_to(const wchar_t* text, std::size_t limit) noexcept {
@@ -65,9 +67,13 @@ public:
         copy_text();
         if ((read<std::uint32_t>(header + kLayout.style) & kStyleFont) != 0) copy_font();
         for (unsigned left = read<Unit>(header + kLayout.count); left != 0 && sound_; --left)
-            copy_item(creation_size);
+            copy_item(creation_size, left == 1);
         return sound_;
     }
+
+    // After a run with sizes that count themselves.
+    bool has_creation_data() const noexcept { return has_creation_data_; }
+    bool readings_agree() const noexcept { return readings_agree_; } // on the places of all items
 
 private:
     template <class T>
@@ -166,8 +172,9 @@ private:
         put_extent(at + 2 * sizeof(Unit), place);
     }
 
+    static constexpr std::size_t kBoundary = 4; // of items
+
     void align() {
-        constexpr std::size_t kBoundary = 4;
         const std::size_t gap = (0 - reinterpret_cast<std::uintptr_t>(next_)) % kBoundary;
         if (gap > left()) {
             sound_ = false;
@@ -177,7 +184,7 @@ private:
         copy_.append_zeroes((0 - copy_.size()) % kBoundary);
     }
 
-    void copy_item(CreationSize creation_size) {
+    void copy_item(CreationSize creation_size, bool is_last) {
         align();
         const std::size_t start = copy_.size();
         const std::byte* const item = copy_bytes(kLayout.item);
@@ -188,16 +195,42 @@ private:
         sound_ = sound_ && peek_unit() != 0; // every control has a class
         copy_name();
         if (!copy_ordinal()) copy_text();
-        copy_creation_data(creation_size);
+        if constexpr (&kLayout == &kExtended) {
+            copy_bytes(copy_unit());
+        } else if (const std::size_t size = copy_unit(); size != 0 && sound_) {
+            if (creation_size == CreationSize::with_itself)
+                copy_data_behind_size(size, is_last);
+            else
+                copy_data_for_both(size, is_last, creation_size == CreationSize::either);
+        }
     }
 
-    void copy_creation_data(CreationSize creation_size) {
-        std::size_t size = copy_unit();
-        if (size != 0 && creation_size == CreationSize::with_itself) {
-            sound_ = sound_ && size >= sizeof(Unit);
-            size -= sizeof(Unit);
-        }
-        if (sound_) copy_bytes(size);
+    // Whether an item that ends here, or two bytes later, leaves the next one in the same place.
+    static bool padding_takes_size(std::uintptr_t end) noexcept {
+        return (0 - end) % kBoundary >= sizeof(Unit);
+    }
+
+    void copy_data_behind_size(std::size_t size, bool is_last) {
+        has_creation_data_ = true;
+        sound_ = size >= sizeof(Unit);
+        if (!sound_) return;
+        copy_bytes(size - sizeof(Unit));
+        if (size > kMostData || (!is_last && !padding_takes_size(reinterpret_cast<std::uintptr_t>(next_))))
+            readings_agree_ = false;
+    }
+
+    // Texts that became longer may have moved the data to where the padding is too short: then two zeroes
+    // more belong to it. Behind the last item nothing can move; what a size that counts itself does not cover
+    // may be missing there.
+    void copy_data_for_both(std::size_t size, bool is_last, bool may_lack_size) {
+        const std::size_t size_at = copy_.size() - sizeof(Unit);
+        const std::size_t missing = is_last && may_lack_size && size > left() ? size - left() : 0;
+        sound_ = size <= kMostData && missing <= sizeof(Unit);
+        if (copy_bytes(size - std::min(size, missing)) == nullptr) return;
+        copy_.append_zeroes(missing);
+        if (is_last || padding_takes_size(copy_.size() - sizeof(Unit))) return;
+        copy_.append_zeroes(sizeof(Unit));
+        put_unit(size_at, static_cast<LONG>(size + sizeof(Unit)));
     }
 
     const std::byte* next_;
@@ -207,6 +240,8 @@ private:
     std::size_t text_size_ = 0;     // bytes of the text read last, with its zero
     Vector<wchar_t> straight_text_; // a copy of that text, when it stands at an odd address
     bool sound_ = true;
+    bool has_creation_data_ = false;
+    bool readings_agree_ = true;
 };
 
 bool is_extended(const void* data, std::size_t size) noexcept {
@@ -220,8 +255,15 @@ bool translate_dialog_template(const void* data, std::size_t size, const DialogC
                                DialogCopy& copy) {
     if (is_extended(data, size))
         return Rewriter<kExtended>(data, size, changes, copy).run(CreationSize::alone);
-    return Rewriter<kPlain>(data, size, changes, copy).run(CreationSize::with_itself) ||
-           Rewriter<kPlain>(data, size, changes, copy).run(CreationSize::alone);
+    CreationSize reading = CreationSize::alone;
+    {
+        Rewriter<kPlain> rewriter(data, size, changes, copy);
+        if (rewriter.run(CreationSize::with_itself)) {
+            if (!rewriter.has_creation_data() || !rewriter.readings_agree()) return true;
+            reading = CreationSize::either;
+        }
+    }
+    return Rewriter<kPlain>(data, size, changes, copy).run(reading);
 }
 
 } // namespace qzr
