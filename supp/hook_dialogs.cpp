@@ -46,7 +46,7 @@ private:
 class IndirectDialog {
 public:
     explicit IndirectDialog(LPCDLGTEMPLATEW original) noexcept : used_(original) {
-        if (original == nullptr || !translation_enabled() || hooks().templates.holds(original)) return;
+        if (original == nullptr || !translating() || hooks().templates.holds(original)) return;
         if (translate_dialog(dialog_bytes(original), nullptr, copy_))
             used_ = reinterpret_cast<LPCDLGTEMPLATEW>(copy_.data());
     }
@@ -58,12 +58,12 @@ private:
     LPCDLGTEMPLATEW used_;
 };
 
-// A dialog by the name of its template: `named` does it as it is, `indirect` from a translated copy. Without
-// a template the answer is 0, where a system's function says -1; callers rely on it.
+// A dialog by the name of its template: `named` does it as it is, `indirect` from a translated copy. With a
+// dictionary the answer without a template is 0, where the system's function says -1; callers rely on it.
 template <class Named, class Indirect, class Unit>
 auto run_named(Named* named, Indirect* indirect, HINSTANCE module, const Unit* name, HWND parent,
                DLGPROC procedure, LPARAM parameter) {
-    if (!translation_enabled()) return named(module, name, parent, procedure, parameter);
+    if (!translating()) return named(module, name, parent, procedure, parameter);
     const NamedDialog dialog(module, name);
     if (dialog.get() == nullptr) return decltype(named(module, name, parent, procedure, parameter)){};
     return indirect(module, dialog.get(), parent, procedure, parameter);

@@ -12,7 +12,7 @@ HMENU translate_items(HMENU menu, const WideHash& context) {
     return menu;
 }
 
-bool wanted(HMENU menu) { return menu != nullptr && translation_enabled() && !dictionary_is_empty(); }
+bool wanted(HMENU menu) { return menu != nullptr && translating() && !dictionary_is_empty(); }
 
 HMENU translate_named(HMENU menu, HINSTANCE module, const wchar_t* name) {
     return translate_items(menu, resource_context(module, ResourceKind::menu, name));

@@ -22,6 +22,7 @@ bool is_dialog_type(const char* type) {
     return type[0] == '#' && std::strtoul(type + 1, nullptr, 10) == kDialogType;
 }
 
+// Also before there is a dictionary: it may come before the resource is loaded.
 template <class Unit>
 HRSRC noted(HRSRC resource, HMODULE module, const Unit* type, const Unit* name) noexcept {
     if (resource == nullptr || !translation_enabled()) return resource;
@@ -35,7 +36,7 @@ HRSRC noted(HRSRC resource, HMODULE module, const Unit* type, const Unit* name) 
 
 // The copy to serve; nothing for other resources, and for templates in which nothing changes.
 DialogBytes served(HMODULE module, HRSRC resource) noexcept {
-    if (resource == nullptr || !translation_enabled()) return {};
+    if (resource == nullptr || !translating()) return {};
     try {
         const ServedTemplates::Note note = hooks().templates.find(resource);
         if (note.source == nullptr) return {};

@@ -41,9 +41,8 @@ const Unit* translation_of(HINSTANCE module, unsigned id, const Unit* text) {
 // callers rely on being told its whole length.
 template <class Unit>
 int translate_loaded(HINSTANCE module, unsigned id, Unit* buffer, int size, int loaded) {
-    if (!translation_enabled() || size <= 0) return loaded; // a size of 0 asks for a pointer
+    if (!translating() || size <= 0) return loaded; // a size of 0 asks for a pointer
     if (loaded <= 0 || buffer[0] == 0) return 0;
-    if (dictionary_is_empty()) return loaded;
     try {
         const Unit* const translated = translation_of(module, id, buffer);
         if (translated == buffer) return loaded;

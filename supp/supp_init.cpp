@@ -33,6 +33,7 @@ void use_code_page_of(LCID language) {
 // The keys of a file are converted in the code page that was in effect before it.
 void read_dictionary(const wchar_t* path) {
     const qz::File file(path);
+    translation().any_file.store(true, std::memory_order_relaxed);
     DictionaryReader reader(*file);
     LCID language = 0;
     while (reader.next()) {

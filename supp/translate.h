@@ -13,6 +13,7 @@ enum class ResourceKind { dialog = 1, menu = 2, string_table = 3 };
 
 bool translation_enabled() noexcept; // what Supp_IsTranslationEnable answers is not 0
 bool dictionary_is_empty() noexcept;
+bool translating() noexcept; // enabled, and a dictionary was loaded, be it an empty one
 
 // The translation of exactly this key, or null when there is no entry. An entry without translation, or, for
 // the wide form, with one that cannot be converted, gives its own source, which may be the whole key. Throw

@@ -53,6 +53,10 @@ bool translation_enabled() noexcept { return Supp_IsTranslationEnable() != 0; }
 
 bool dictionary_is_empty() noexcept { return translation().dictionary.empty(); }
 
+bool translating() noexcept {
+    return translation_enabled() && translation().any_file.load(std::memory_order_relaxed);
+}
+
 const wchar_t* find_translation(const wchar_t* text, const WideHash& context) {
     return wide_of(entry_of(text, context), nullptr);
 }

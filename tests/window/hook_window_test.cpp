@@ -142,18 +142,25 @@ TEST_ALONE(HookedDialogs, OfBothLayoutsAreTranslated) {
     EXPECT_EQ(dialogs.show(L"CELLAR", "CELLAR"), four_times(untranslated));
 }
 
-TEST(HookedDialogs, WithoutATemplateAreAnswered) {
+TEST_ALONE(HookedDialogs, WithoutATemplateAreAnswered) {
     const FruitModule fruit("");
     const Calls calls = fruit.calls();
-    HMODULE const module = fruit.get();
-    EXPECT_EQ(calls.DialogBoxParamW(module, L"NOTHING", nullptr, looking, kModal), 0);
-    EXPECT_EQ(calls.DialogBoxParamA(module, "NOTHING", nullptr, looking, kModal), 0);
-    EXPECT_EQ(calls.CreateDialogParamW(module, L"NOTHING", nullptr, looking, kModeless), nullptr);
-    EXPECT_EQ(calls.CreateDialogParamA(module, "NOTHING", nullptr, looking, kModeless), nullptr);
+    const auto expect = [&](INT_PTR answer) {
+        EXPECT_EQ(calls.DialogBoxParamW(fruit.get(), L"NOTHING", nullptr, looking, kModal), answer);
+        EXPECT_EQ(calls.DialogBoxParamA(fruit.get(), "NOTHING", nullptr, looking, kModal), answer);
+        EXPECT_EQ(calls.CreateDialogParamW(fruit.get(), L"NOTHING", nullptr, looking, kModeless), nullptr);
+        EXPECT_EQ(calls.CreateDialogParamA(fruit.get(), "NOTHING", nullptr, looking, kModeless), nullptr);
+    };
+    const INT_PTR of_the_system = DialogBoxParamW(fruit.get(), L"NOTHING", nullptr, looking, kModal);
+    ASSERT_NE(of_the_system, 0);
+    expect(of_the_system);
+    EXPECT_STREQ(Supp_Translate("no file"), L"no file"); // an entry, but no dictionary
+    expect(of_the_system);
+    DictionaryFiles files;
+    ASSERT_EQ(files.add(""), 1);
+    expect(0);
     Supp_SetTranslationEnable(0);
-    EXPECT_EQ(calls.DialogBoxParamW(module, L"NOTHING", nullptr, looking, kModal), -1);
-    Supp_SetTranslationEnable(1);
-    _DeInitResTranslation(module);
+    expect(of_the_system);
 }
 
 std::string seen_creation_data;
