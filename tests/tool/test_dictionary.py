@@ -105,9 +105,21 @@ class Dictionary(ProgramTest):
         self.tool("wld", "extract", self.module(), "a.wld", code=TROUBLE)
         self.assertEqual(self.read("a.wld").split(b"\r\n"), lines)
 
+    def test_what_extract_wrote_keeps_its_contexts(self):
+        self.tool("wld", "extract", self.module(), "a.wld")
+        for locale in ("C", "ru_RU.UTF-8", "ja_JP.UTF-8"):
+            with self.subTest(locale=locale):
+                here = {"QZR_LOCALE": locale}
+                self.assertEqual(self.tool("wld", "check", "a.wld", env=here).out, "")
+                self.assertIn("with context: 19\n", self.tool("wld", "stats", "a.wld", env=here).out)
+                self.tool("wld", "export", "a.wld", "a.po", env=here)
+                self.assertEqual(self.read("a.po").count(b"msgctxt "), 19)
+                self.tool("wld", "import", "a.po", locale + ".wld", env=here)
+                self.assertEqual(self.keys(locale + ".wld"), self.keys("a.wld"))
+
     def test_missing_lists_what_has_no_entry(self):
         self.tool("wld", "extract", self.module(), "a.wld")
-        self.assertEqual(self.tool("wld", "missing", "--codepage=1251", "a.wld", self.module()).out, "")
+        self.assertEqual(self.tool("wld", "missing", "a.wld", self.module()).out, "")
         self.write("b.wld", pair("OK", "Bien"))
         lines = self.tool("wld", "missing", "b.wld", self.module(), code=NO).out.splitlines()
         self.assertEqual(len(lines), 17)

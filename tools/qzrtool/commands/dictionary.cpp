@@ -162,7 +162,6 @@ ExitCode run_wld_check(Invocation& invocation) {
 ExitCode run_wld_extract(Invocation& invocation) {
     const std::span<const std::wstring> arguments = invocation.arguments;
     const Target target = new_target(arguments.back());
-    constexpr unsigned kPageOfContexts = 1251;
     const CodePage page = new_page(invocation.options, kPageOfContexts);
     NewPairs pairs(page, target.shown, invocation.diagnostics);
     if (invocation.options.language != 0) pairs.add_language(invocation.options.language);
@@ -305,7 +304,9 @@ ExitCode run_wld_import(Invocation& invocation) {
     const Target target = new_target(invocation.arguments[1]);
     Options options = invocation.options;
     if (options.language == 0) options.language = po.language.value_or(0);
-    const CodePage page = new_page(options, 0);
+    const bool has_contexts = std::any_of(po.entries.begin(), po.entries.end(),
+                                          [](const PoEntry& entry) { return entry.context.has_value(); });
+    const CodePage page = new_page(options, has_contexts ? kPageOfContexts : 0);
     NewPairs pairs(page, target.shown, invocation.diagnostics);
     if (options.language != 0) pairs.add_language(options.language);
     for (const PoEntry& entry : po.entries) {

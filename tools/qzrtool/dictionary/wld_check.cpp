@@ -115,12 +115,6 @@ void check_translation(const WldPair& pair, const Key& key, const std::wstring& 
              (is_menu ? "menus show " : "windows and message boxes show ") + std::to_string(most));
 }
 
-bool looks_like_context(std::string_view source) {
-    const std::size_t end = source.find("\xFD\xFD");
-    return end != source.npos &&
-           std::count(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(end), '#') >= 2;
-}
-
 void check_pair(const WldFile& file, const WldPair& pair, Problems& problems) {
     const auto tell = [&](const std::string& text) { problems.push_back({pair.line, text}); };
     check_bytes(file, pair.line, pair.source, problems);
@@ -132,7 +126,7 @@ void check_pair(const WldFile& file, const WldPair& pair, Problems& problems) {
     check_bytes(file, pair.translation_line, pair.translation, problems);
     const std::wstring source = file.source(pair);
     const Key key = take_apart(source);
-    if (key.context.empty() && looks_like_context(pair.source))
+    if (key.context.empty() && begins_with_context(pair.source))
         tell("has a context in bytes of code page 1251, and is read in " +
              std::to_string(file.page().number()));
     if (!pair.translation.empty()) {
@@ -168,6 +162,8 @@ void check_language(const WldFile& file, Problems& problems) {
     for (const WldPair& pair : file.pairs())
         if (pair.is_language()) line = pair.translation_line != 0 ? pair.translation_line : pair.line;
     if (!language) {
+        // With contexts a file is loaded behind a small one that names the language.
+        if (has_contexts(file.pairs())) return;
         problems.push_back(
             {0, "names no language (QZ_WLD_LANG_ID); texts are read in the system's code page"});
     } else if (!code_page_of_language(*language)) {

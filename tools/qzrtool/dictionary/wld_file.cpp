@@ -66,12 +66,14 @@ std::vector<WldPair> pairs_of(const std::vector<WldLine>& lines, const CodePage&
     return pairs;
 }
 
-// The language is found whatever the code page: its pair is ASCII.
+// Language and contexts are found whatever the code page: the one is ASCII, the others end in two bytes.
 unsigned page_number(const std::string& bytes, unsigned asked_for) {
     if (asked_for != 0) return asked_for;
     const CodePage system(0);
-    const auto language = language_of(pairs_of(wld_lines(bytes, system), system));
-    return language ? code_page_of_language(*language).value_or(0) : 0;
+    const std::vector<WldLine> lines = wld_lines(bytes, system);
+    const std::vector<WldPair> pairs = pairs_of(lines, system);
+    if (const auto language = language_of(pairs)) return code_page_of_language(*language).value_or(0);
+    return has_contexts(pairs) ? kPageOfContexts : 0;
 }
 
 } // namespace
@@ -99,6 +101,11 @@ std::optional<unsigned> language_of(const std::vector<WldPair>& pairs) {
         if (pair.is_language())
             language = static_cast<unsigned>(std::atoi(std::string(pair.raw_translation).c_str()));
     return language;
+}
+
+bool has_contexts(const std::vector<WldPair>& pairs) {
+    return std::any_of(pairs.begin(), pairs.end(),
+                       [](const WldPair& pair) { return begins_with_context(pair.raw_source); });
 }
 
 WldFile::WldFile(const std::wstring& argument, unsigned code_page)

@@ -38,8 +38,8 @@ struct WldPair {
 
 class WldFile {
 public:
-    /// Reads a file. Without a code page given it is that of the file's language, or else the system's.
-    /// Fails when the file cannot be read.
+    /// Reads a file. Without a code page given it is that of the file's language; of a file that names none
+    /// it is the one of contexts when it has some, or else the system's. Fails when the file cannot be read.
     WldFile(const std::wstring& argument, unsigned code_page);
     WldFile(const WldFile&) = delete;
     WldFile& operator=(const WldFile&) = delete;
@@ -66,6 +66,9 @@ private:
 
 /// @return the last language identifier of a file; nothing when no pair names one
 std::optional<unsigned> language_of(const std::vector<WldPair>& pairs);
+
+/// Whether some source begins with a context, in the bytes of the page that has its letters.
+bool has_contexts(const std::vector<WldPair>& pairs);
 
 /// The two lines of a pair.
 std::string wld_lines_of(std::string_view raw_source, std::string_view raw_translation);

@@ -1,8 +1,10 @@
 // Texts in the templates of string tables, menus and dialogs. The bytes come from files, so none is trusted.
 #include "dictionary/wld_resources.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 namespace tool {
 
@@ -17,6 +19,7 @@ public:
     bool at_end() const { return at_ >= bytes_.size(); }
 
     std::uint16_t word() { return read<std::uint16_t>(); }
+    std::uint16_t peek() const { return Cursor(*this).word(); }
     std::uint32_t dword() { return read<std::uint32_t>(); }
 
     void skip(std::size_t n) {
@@ -128,13 +131,15 @@ struct DialogLayout {
     std::size_t to_menu;            // from behind that number
     std::size_t font;               // between the point size and the face
     std::size_t item;
-    bool counts_itself; // whether the size of an item's creation data does
+    std::size_t size_of_itself; // what the size of an item's creation data counts besides the data
 };
-constexpr DialogLayout kPlain = {0, 4, 8, 0, 18, true};
-constexpr DialogLayout kExtended = {12, 0, 8, 4, 24, false};
+constexpr DialogLayout kPlain = {0, 4, 8, 0, 18, 2};
+constexpr DialogLayout kPlainOfOtherTools = {0, 4, 8, 0, 18, 0};
+constexpr DialogLayout kExtended = {12, 0, 8, 4, 24, 0};
 
 bool texts_of_dialog(Cursor cursor, const DialogLayout& layout, std::vector<std::wstring>& texts) {
     constexpr std::uint32_t kHasFont = 0x40;
+    constexpr unsigned kMessageBoxFont = 0x7FFF; // a point size that stands for a font, without a face
     cursor.skip(layout.to_style);
     const std::uint32_t style = cursor.dword();
     cursor.skip(layout.to_count);
@@ -143,19 +148,22 @@ bool texts_of_dialog(Cursor cursor, const DialogLayout& layout, std::vector<std:
     cursor.text_or_number(); // menu
     cursor.text_or_number(); // class
     add(texts, cursor.text());
-    if ((style & kHasFont) != 0) {
-        cursor.skip(2 + layout.font);
+    if ((style & kHasFont) != 0 && cursor.word() != kMessageBoxFont) {
+        cursor.skip(layout.font);
         cursor.text();
     }
     for (unsigned i = 0; i < items && cursor.sound(); ++i) {
         cursor.align();
         cursor.skip(layout.item);
-        cursor.text_or_number(); // class
+        if (cursor.peek() == 0) return false; // every control has a class
+        cursor.text_or_number();
         std::wstring text = cursor.text_or_number();
         if (!cursor.sound()) break;
         add(texts, std::move(text));
-        const unsigned data = cursor.word();
-        cursor.skip(layout.counts_itself && data >= 2 ? data - 2 : data);
+        const std::size_t data = cursor.word();
+        if (data == 0) continue;
+        if (data < layout.size_of_itself) return false;
+        cursor.skip(data - layout.size_of_itself);
     }
     return cursor.sound();
 }
@@ -187,7 +195,14 @@ bool texts_of_menu(const std::string& bytes, std::vector<std::wstring>& texts) {
 bool texts_of_dialog(const std::string& bytes, std::vector<std::wstring>& texts) {
     Cursor signature(bytes);
     const bool extended = signature.word() == 1 && signature.word() == 0xFFFF;
-    return texts_of_dialog(Cursor(bytes), extended ? kExtended : kPlain, texts);
+    if (extended) return texts_of_dialog(Cursor(bytes), kExtended, texts);
+    const std::size_t before = texts.size();
+    if (texts_of_dialog(Cursor(bytes), kPlain, texts)) return true;
+    std::vector<std::wstring> others;
+    if (!texts_of_dialog(Cursor(bytes), kPlainOfOtherTools, others)) return false;
+    texts.resize(before);
+    std::move(others.begin(), others.end(), std::back_inserter(texts));
+    return true;
 }
 
 } // namespace tool

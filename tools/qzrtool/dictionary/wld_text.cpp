@@ -2,6 +2,7 @@
 
 #include "system/failure.h"
 
+#include <algorithm>
 #include <limits>
 #include <windows.h>
 
@@ -121,6 +122,11 @@ unsigned hash_of(std::wstring_view text) {
     for (const wchar_t unit : text)
         hash = hash * 257 + unit;
     return hash;
+}
+
+bool begins_with_context(std::string_view source) {
+    const std::string_view context = source.substr(0, source.find("\xFD\xFD"));
+    return context.size() != source.size() && std::count(context.begin(), context.end(), '#') >= 2;
 }
 
 Key take_apart(std::wstring_view key) {

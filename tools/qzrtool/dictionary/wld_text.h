@@ -53,6 +53,10 @@ struct Key {
 };
 Key take_apart(std::wstring_view key);
 
+/// Whether a source begins with a context as code page 1251 has it: at least two marks, then the two letters.
+bool begins_with_context(std::string_view source);
+
+inline constexpr unsigned kPageOfContexts = 1251; // has the letters that end contexts
 inline constexpr std::wstring_view kContextEnd = L"\x044D\x044D";
 inline constexpr char kLanguageKey[] = "QZ_WLD_LANG_ID";
 
