@@ -22,9 +22,9 @@ namespace {
 
 using namespace fuzz;
 
-const Target* const kTargets[] = {&kText,       &kTreeStream, &kObject,   &kVariant, &kDictionary,
-                                  &kCompanion,  &kInclude,    &kDialog,   &kImports, &kStorage,
-                                  &kMemoryFile, &kUrl,        &kRegistry, &kIniFile};
+const Target* const kTargets[] = {&kText,    &kTreeStream, &kObject,  &kVariant, &kDictionary,
+                                  &kInclude, &kDialog,     &kImports, &kStorage, &kMemoryFile,
+                                  &kUrl,     &kRegistry,   &kIniFile};
 
 const Target* find_target(const char* name) {
     for (const Target* const target : kTargets)

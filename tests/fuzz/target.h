@@ -25,8 +25,8 @@ struct Target {
 };
 
 // Each file of targets/ defines one.
-extern const Target kText, kTreeStream, kObject, kVariant, kDictionary, kCompanion, kInclude, kDialog,
-    kImports, kStorage, kMemoryFile, kUrl, kRegistry, kIniFile;
+extern const Target kText, kTreeStream, kObject, kVariant, kDictionary, kInclude, kDialog, kImports, kStorage,
+    kMemoryFile, kUrl, kRegistry, kIniFile;
 
 // Keeps the input that is running, shows it and ends the program.
 [[noreturn]] void fail(const char* what);

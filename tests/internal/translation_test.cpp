@@ -1,7 +1,6 @@
 // What the hooks alone use of translation.
 #include "param/tree_walk.h"
 #include "qzstring.h"
-#include "supp/dialog_font.h"
 #include "supp/dialog_layout.h"
 #include "supp/dictionary.h"
 #include "supp/translate.h"
@@ -111,19 +110,6 @@ TEST(DictionaryClosed, KeepsTextsOutsideWithoutAddingThem) {
     EXPECT_STREQ(dictionary.wide_translation(dictionary.find_or_add("before")), L"avant");
 }
 
-TEST(DictionaryTable, FindsEveryHashAndNoOther) {
-    DictionaryTable table;
-    const auto hash_of = [](unsigned i) { return i < 100 ? i << 25 : i * 3; }; // 0, and many of one group
-    for (unsigned i = 0; i < 5000; ++i) {
-        EXPECT_FALSE(table.find(hash_of(i)));
-        table.make_room();
-        table.add(hash_of(i), i + 1);
-    }
-    for (unsigned i = 0; i < 5000; ++i)
-        ASSERT_EQ(table.find(hash_of(i)).pair, i + 1) << i;
-    EXPECT_FALSE(table.find(1));
-}
-
 // Texts of every length, right before a page that cannot be read, at even and odd addresses.
 TEST(WideHash, IsTheSumOfAllUnits) {
     constexpr std::size_t kPage = 4096;
@@ -145,22 +131,6 @@ TEST(WideHash, IsTheSumOfAllUnits) {
         expected = {expected.hash * 257 + unit, expected.power * 257};
     }
     VirtualFree(pages, 0, MEM_RELEASE);
-}
-
-TEST(DialogFontChoice, NamesAFont) {
-    const DialogFont& font = dialog_font();
-    if (GetSystemMetrics(SM_DBCSENABLED) == 0) {
-        EXPECT_STREQ(font.face, L"MS Shell Dlg");
-        EXPECT_EQ(font.points, 8);
-        EXPECT_EQ(font.handle, nullptr);
-        return;
-    }
-    LOGFONTW stock = {};
-    ASSERT_NE(GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof stock, &stock), 0);
-    EXPECT_STREQ(font.face, stock.lfFaceName);
-    EXPECT_GT(font.points, 5);
-    EXPECT_LT(font.points, 20);
-    EXPECT_EQ(font.handle, GetStockObject(DEFAULT_GUI_FONT));
 }
 
 std::string rect_text(const RECT* rect) {
