@@ -31,7 +31,8 @@ QZR_API int Supp_Init(const wchar_t* path);
 QZR_API int Supp_AddWld(const wchar_t* path);
 
 /// @return the code page of the loaded dictionary, in which narrow text is turned into wide text; 0 stands
-///         for the system's ANSI code page and is the answer while no dictionary has named a language
+///         for the system's ANSI code page and is the answer while no dictionary has named a language, and
+///         after one has named a language without such a page
 QZR_API unsigned long Supp_GetACP();
 
 /// The switch of the hooks, 1 at first: with 0 they do nothing but call what they replaced. Supp_Translate
@@ -59,8 +60,9 @@ QZR_API const wchar_t* Supp_Translate(const char* text);
 
 /// Writes every item of a menu that has a text, and those of its sub-menus, back with that text, its command
 /// and its grayed and checked states. The texts themselves are not translated: menus get their translations
-/// from the hooked loaders. Texts are cut at 255 units; owner-drawn items and the default state are lost. An
-/// empty dictionary leaves the menu alone. Sub-menus more than 64 levels deep are left alone.
+/// from the hooked loaders. Texts are cut at 255 units; all other states and kinds of items, as the default
+/// mark and owner drawing, are lost. An empty dictionary leaves the menu alone. Sub-menus more than 64 levels
+/// deep are left alone.
 /// @return 1
 QZR_API int Supp_Translate(HMENU menu);
 
@@ -82,7 +84,7 @@ QZR_API void Supp_SetDialogPos(HWND dialog, HWND parent, unsigned id); ///< does
 // -------------------------------------------------------------------------------------------------- hooks
 
 /// Hooks one module more: its calls that load strings, menus and dialogs and that show message boxes are
-/// translated from then on.
+/// translated from then on, as soon as a dictionary is loaded.
 /// @return 1, also when the module calls none of them or its image is damaged; 0 for null. Throws
 ///         CXMemException.
 QZR_API int Supp_InitResTranslation(HINSTANCE module);
