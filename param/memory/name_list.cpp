@@ -1,5 +1,6 @@
 #include "param/memory/name_list.h"
 
+#include "core/scope_exit.h"
 #include "qzref.h"
 
 #include <algorithm>
@@ -60,16 +61,14 @@ void NameList::Release() noexcept {
 }
 
 NameEntry& NameList::append(std::string_view name, unsigned hash) {
-    const char* const kept = names_.add(name);
     NameEntry& entry = slots_.push();
+    ScopeExit undo([this] { slots_.shrink(slots_.size() - 1); });
     entry.hash = hash;
-    entry.name = kept;
-    try {
-        if (index_.active() || slots_.size() > kMostScanned) index_.add_last(slots_);
-    } catch (...) {
-        slots_.shrink(slots_.size() - 1);
-        throw;
-    }
+    entry.name = names_.add(name);
+    ScopeExit undo_name([&] { names_.remove(entry.name); });
+    if (index_.active() || slots_.size() > kMostScanned) index_.add_last(slots_);
+    undo_name.dismiss();
+    undo.dismiss();
     return entry;
 }
 
@@ -80,7 +79,7 @@ bool NameList::remove(unsigned hash, const char* given, PackedValue& value) {
     const bool orphan_left = drop_orphan(given);
     NameEntry& found = slots_[at];
     if (!orphan_left && _stricmp(found.name, given) == 0) {
-        make_hole(found);
+        make_hole(at);
     } else {
         orphans_.push_back(at); // has room when an orphan has just left
         found.state = NameEntry::State::kOrphan;
@@ -98,49 +97,46 @@ bool NameList::drop_orphan(const char* given) noexcept {
     const auto orphan = std::find_if(orphans_.begin(), orphans_.end(),
                                      [&](unsigned at) { return _stricmp(slots_[at].name, given) == 0; });
     if (orphan == orphans_.end()) return false;
-    make_hole(slots_[*orphan]);
+    make_hole(*orphan);
     orphans_.erase(orphan);
     return true;
 }
 
-void NameList::make_hole(NameEntry& entry) noexcept {
+void NameList::make_hole(unsigned at) noexcept {
+    NameEntry& entry = slots_[at];
     entry.state = NameEntry::State::kHole;
     ++holes_;
+    if (walks_ == nullptr) return names_.remove(entry.name);
+    entry.hash = last_kept_; // links the holes whose names are still there
+    last_kept_ = at;
+}
+
+void NameList::remove_kept_names() noexcept {
+    while (last_kept_ != NameIndex::kNone) {
+        const NameEntry& hole = slots_[last_kept_];
+        names_.remove(hole.name);
+        last_kept_ = hole.hash;
+    }
 }
 
 // Half of the places at most are holes, so that a walk and the memory stay in proportion to the names.
 void NameList::tidy() noexcept {
     if (walks_ != nullptr || holes_ <= kFewHoles || holes_ <= slots_.size() / 2) return;
-    NamePool names;
-    try {
-        names.reserve(name_bytes());
-    } catch (const CXMemException&) {
-        return; // there is always a next time
-    }
-    close_holes(names);
-    names_.swap(names);
+    close_holes();
     if (slots_.size() <= kMostScanned)
         index_.clear();
     else
         index_.rebuild(slots_);
 }
 
-std::size_t NameList::name_bytes() const noexcept {
-    std::size_t bytes = 0;
-    for (unsigned at = 0; at < slots_.size(); ++at)
-        if (slots_[at].state != NameEntry::State::kHole) bytes += std::strlen(slots_[at].name) + 1;
-    return bytes;
-}
-
-// Moves the entries up, and their names to a pool that has room for them.
-void NameList::close_holes(NamePool& names) noexcept {
+// Moves the entries up. Their names stay where they are, since callers may hold them.
+void NameList::close_holes() noexcept {
     orphans_.clear();
     unsigned to = 0;
     for (unsigned at = 0; at < slots_.size(); ++at) {
         if (slots_[at].state == NameEntry::State::kHole) continue;
         NameEntry& moved = slots_[to];
         moved = slots_[at];
-        moved.name = names.add(moved.name);
         if (moved.state == NameEntry::State::kOrphan) orphans_.push_back(to); // they are as many as before
         ++to;
     }
@@ -152,9 +148,10 @@ NameSlots NameList::take_all() noexcept {
     for (Walk* walk = walks_; walk != nullptr; walk = walk->next_walk_)
         walk->Reset();
     if (walks_ != nullptr)
-        departed_.adopt(std::move(names_));
+        departed_.adopt(names_);
     else
         names_.clear();
+    last_kept_ = NameIndex::kNone;
     index_.clear();
     orphans_.clear();
     holes_ = 0;
@@ -173,6 +170,7 @@ void NameList::remove_walk(Walk* walk) noexcept {
     *link = walk->next_walk_;
     if (walks_ != nullptr) return;
     departed_.clear();
+    remove_kept_names();
     tidy();
 }
 

@@ -14,8 +14,9 @@ namespace qzr {
 // that share a hash through the other spelling leaves an orphan behind, a name that is listed and not found.
 // Callers see this.
 //
-// The list is counted, like an interface: its node and its enumerators share it. While an enumerator lives,
-// no name moves or goes, since it may have been handed out; what has left is tidied up afterwards.
+// The list is counted, like an interface: its node and its enumerators share it. A name stays where it is
+// until its entry goes, since it may have been handed out; while an enumerator lives, longer: until that one
+// goes too.
 class NameList {
 public:
     // Starts with one reference. Throws CXMemException.
@@ -68,15 +69,16 @@ private:
     }
 
     bool drop_orphan(const char* given) noexcept;
-    void make_hole(NameEntry& entry) noexcept;
+    void make_hole(unsigned at) noexcept;
+    void remove_kept_names() noexcept;
     void tidy() noexcept;
-    std::size_t name_bytes() const noexcept;
-    void close_holes(NamePool& names) noexcept;
+    void close_holes() noexcept;
     void add_walk(Walk* walk) noexcept;
     void remove_walk(Walk* walk) noexcept;
 
     unsigned references_ = 1;
-    unsigned holes_ = 0; // of slots_
+    unsigned holes_ = 0;                    // of slots_
+    unsigned last_kept_ = NameIndex::kNone; // of the holes whose names wait for the last enumerator
     NameSlots slots_;
     NameIndex index_;
     NamePool names_;

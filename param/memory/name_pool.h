@@ -7,40 +7,36 @@
 
 namespace qzr {
 
-// Names lie side by side in a few blocks, each twice as large as the one before up to a limit, and stay in
-// place until all of them go.
+// Names lie side by side in small blocks and never move. A block goes with the last of its names, so that one
+// that stays behind keeps a few hundred bytes at most, however many were stored with it.
 class NamePool {
 public:
     NamePool() noexcept = default;
-    NamePool(NamePool&& other) noexcept { swap(other); }
-    ~NamePool() { clear(); }
+    NamePool(const NamePool&) = delete;
     NamePool& operator=(const NamePool&) = delete;
+    ~NamePool() { clear(); }
 
     // A copy with a terminator. Throws CXMemException.
     const char* add(std::string_view name);
 
-    // Room in one block for names of so many bytes, terminators included, in a pool that is empty. Throws
-    // CXMemException.
-    void reserve(std::size_t bytes) { add_block(bytes); }
+    // Gives up a name that add() handed out.
+    void remove(const char* name) noexcept;
 
     // Keeps the names of another pool as long as its own.
-    void adopt(NamePool&& other) noexcept;
+    void adopt(NamePool& other) noexcept;
 
     void clear() noexcept;
 
-    void swap(NamePool& other) noexcept {
-        std::swap(newest_, other.newest_);
-        std::swap(free_, other.free_);
-        std::swap(room_, other.room_);
-    }
-
 private:
     struct Block {
-        Block* next;
-        std::size_t size; // with this head
+        Block* newer;
+        Block* older;
+        unsigned size;  // with this head
+        unsigned names; // that are still wanted
     };
 
     void add_block(std::size_t bytes);
+    void free_block(Block* block) noexcept;
 
     Block* newest_ = nullptr;
     char* free_ = nullptr; // in the newest block

@@ -94,6 +94,37 @@ TEST(MemParamNames, WalksGoOnWithWhatIsLeft) {
     }
 }
 
+// After the enumerators have gone too, whatever else is deleted and stored.
+TEST(MemParamNames, NamesStayWhereTheyAreWhileTheirEntriesDo) {
+    const CQZRef<IParam> root = memory_tree();
+    const auto name = [](int i) { return (i % 9 == 0 ? std::string(300, 'x') : "name") + std::to_string(i); };
+    constexpr int kNames = 40, kGone = 25;
+    for (int i = 0; i < kNames; ++i) {
+        set_int(*root, name(i).c_str(), i);
+        CQZRef<IParam>::Adopt(root->CreateSubParam(name(i).c_str()));
+    }
+    const char *values[kNames], *children[kNames], *now[kNames];
+    CQZRef<CTEnum<const char*>>::Adopt(root->EnumValues())->Next(kNames, values, nullptr);
+    CQZRef<CTEnum<const char*>>::Adopt(root->EnumSubParams())->Next(kNames, children, nullptr);
+    for (int i = 0; i < kGone; ++i) {
+        const auto walk = CQZRef<CTEnum<const char*>>::Adopt(i % 2 != 0 ? root->EnumValues() : nullptr);
+        root->DeleteValue(values[i]);
+        root->DeleteSubParam(children[i]);
+    }
+    for (int i = 0; i < 200; ++i)
+        set_int(*root, ("new" + std::to_string(i)).c_str(), i);
+    CQZRef<CTEnum<const char*>>::Adopt(root->EnumValues())->Next(kNames, now, nullptr);
+    for (int i = kGone; i < kNames; ++i) {
+        EXPECT_EQ(values[i], now[i - kGone]);
+        EXPECT_EQ(values[i], name(i));
+        EXPECT_EQ(children[i], name(i));
+        root->DeleteValue(values[i]);
+        root->DeleteSubParam(children[i]);
+    }
+    EXPECT_EQ(take_names(root->EnumValues()).size(), 200u);
+    EXPECT_EQ(take_names(root->EnumSubParams()), Names{});
+}
+
 TEST(MemParamNames, EnumeratorsOutliveTheTree) {
     CQZRef<IParam> root = memory_tree("set value; create child");
     const auto values = CQZRef<CTEnum<const char*>>::Adopt(root->EnumValues());

@@ -5,8 +5,6 @@
 #include "support/param_outline.h"
 
 #include <algorithm>
-#include <chrono>
-#include <numeric>
 #include <random>
 
 namespace {
@@ -22,37 +20,6 @@ std::vector<std::string> shuffled_names(int count) {
     }
     std::shuffle(names.begin(), names.end(), std::minstd_rand(4711));
     return names;
-}
-
-// Seconds that an entry costs from its storing to its leaving, at best of three times.
-double cost_of_an_entry(int count) {
-    const std::vector<std::string> names = shuffled_names(count);
-    double best = 1;
-    for (int round = 0; round < 3; ++round) {
-        const CQZRef<IParam> root = memory_tree();
-        const auto start = std::chrono::steady_clock::now();
-        for (const std::string& name : names)
-            set_int(*root, name.c_str(), 1);
-        int found = 0;
-        for (const std::string& name : names)
-            found += get_int(*root, name.c_str());
-        const bool in_order = take_names(root->EnumValues()) == names;
-        for (auto name = names.rbegin(); name != names.rend(); ++name)
-            root->DeleteValue(name->c_str());
-        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-        best = std::min(best, taken.count() / count);
-        EXPECT_EQ(found, count);
-        EXPECT_TRUE(in_order);
-        EXPECT_EQ(outline_of(*root), "");
-    }
-    return best;
-}
-
-// A search along the list would make each of 100,000 entries cost at least ten times what it costs among
-// 10,000, some fifty microseconds. The slack is for a busy machine.
-TEST(MemParamSize, EachEntryCostsTheSameAmongMany) {
-    constexpr double kSlack = 1e-5;
-    EXPECT_LT(cost_of_an_entry(100000), cost_of_an_entry(10000) * 5 + kSlack);
 }
 
 // Memory is given back and places are closed up while names leave, and after an enumerator that kept them.
