@@ -54,6 +54,9 @@ public:
     virtual void DeleteAllValues() = 0;             ///< removes all values
 
     /// @return the names of the values, first stored first in memory. Null when it cannot be made.
+    ///
+    /// A name that an enumerator handed out stays where it is as long as the enumerator lives; in a tree in
+    /// memory also as long as its entry exists, whatever else is stored or deleted. So with EnumSubParams.
     virtual CTEnum<const char*>* EnumValues() = 0;
 
     virtual void Clear() = 0; ///< removes all values and all children
@@ -72,7 +75,8 @@ QZR_API IParam* new_MemParam();
 QZR_API int Param_Param2String(IParam* param, CXString& out);
 
 /// Reads a text form into a tree, adding to what is there. What cannot be understood is left out silently.
-/// "#include" opens files as Fio_Open does; names beginning with "." are taken from the current directory.
+/// "#include" opens files as Fio_Open does, by names in the system's code page; those that begin with "." are
+/// taken from the current directory.
 /// @return 1; 0 when param is null or there is no memory for reading. Throws CXMemException when there is
 ///         none for a value or the tree gives no node for a section, and what the tree throws. What was read
 ///         until then is kept in either case.

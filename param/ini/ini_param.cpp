@@ -3,6 +3,7 @@
 #include "core/enum_snapshot.h"
 #include "param/ini/ini_sections.h"
 #include "param/param_path.h"
+#include "param/system_text.h"
 #include "param/text/value_text.h"
 #include "param/tree_walk.h"
 #include "qzfile.h"
@@ -70,8 +71,7 @@ void CIniFileParam::mark_unless_in(ProfileNames keys) const {
     const bool whole = !keys.cut() && !keys.empty();
     if (!whole && file.read(section_.GetData(), kMark, text) != 0) return;
     if (has_key(std::move(keys), kMark)) return;
-    const CXStringW directory(file_.FilePath().GetData());
-    Fio_CreateDirectory(directory.GetData());
+    Fio_CreateDirectory(system_text(file_.FilePath().GetData()).GetData());
     file.write(section_.GetData(), kMark, kEmptyText);
 }
 

@@ -1,6 +1,6 @@
 #include "param/registry/reg_value.h"
 
-#include "string/code_page.h"
+#include "param/system_text.h"
 #include "variant/text.h"
 #include "variant/type_table.h"
 
@@ -39,9 +39,7 @@ void write_text(const RegKey& key, const char* name, const char* text) {
 }
 
 void write_wide_text(const RegKey& key, const char* name, const wchar_t* text) {
-    CXStringW wide_name;
-    narrow_to_wide(or_empty(name), 0, wide_name);
-    key.write(wide_name.GetData(), REG_SZ, text, (text_length(text) + 1) * sizeof(wchar_t));
+    key.write(system_text(or_empty(name)).GetData(), REG_SZ, text, (text_length(text) + 1) * sizeof(wchar_t));
 }
 
 // The count is checked against what is there before anything is made of it.

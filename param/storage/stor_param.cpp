@@ -1,5 +1,6 @@
 #include "param/storage/stor_param.h"
 
+#include "param/system_text.h"
 #include "param/tree_walk.h"
 #include "stream/ole_stream.h"
 #include "stream/stg_error.h"
@@ -139,7 +140,7 @@ void CIXStorParam::write_value(const char* name, const tagQZVARIANT& value) {
         return;
     }
     const auto stream = StreamRef::Adopt(storage_->CreateStream(name));
-    if (!stream) throw CXFileException(QZERR_FORMAT, QZOP_OPEN, CXStringW(name).GetData());
+    if (!stream) throw CXFileException(QZERR_FORMAT, QZOP_OPEN, system_text(name).GetData());
     stream->WriteVariant(&value);
 }
 

@@ -2,8 +2,8 @@
 
 #include "core/windows_lean.h"
 #include "fio/path_kind.h"
+#include "param/system_text.h"
 #include "qzfileio.h"
-#include "qzstring.h"
 
 #include <algorithm>
 
@@ -11,7 +11,6 @@ namespace qzr {
 
 namespace {
 
-constexpr std::size_t kFirstPiece = 64 << 10;
 constexpr std::size_t kLargestPiece = 1 << 30;
 
 std::wstring directory_of(const std::wstring& path) {
@@ -42,7 +41,7 @@ std::wstring full_path(const std::wstring& name) {
 }
 
 std::wstring named_file(std::string_view name, const std::wstring& from) {
-    std::wstring path = CXStringW(std::string(name).c_str()).GetData();
+    std::wstring path = system_text(std::string(name).c_str()).GetData();
     if (path.empty()) return path;
     if (path.front() == L'.') path.insert(0, directory_of(from));
     return full_path(path);
@@ -54,14 +53,15 @@ bool FileOrder::operator()(const std::wstring& a, const std::wstring& b) const {
     return compared(a, b) == CSTR_LESS_THAN;
 }
 
-// Piece by piece, each as large as all before it. The size is not asked for: that of a block of memory is
-// whatever its name says, and a file of 2 GiB and more has none to tell.
-std::string read_text_file(const std::wstring& path) {
+// Piece by piece, each as large as all before it; the first one has room for the size expected and a byte
+// that tells that there is no more. The size is not asked for: that of a block of memory is whatever its name
+// says, and a file of 2 GiB and more has none to tell.
+std::string read_text_file(const std::wstring& path, std::size_t expected) {
     const qz::File file(path.c_str());
     std::string content;
-    for (;;) {
+    for (std::size_t next = expected + 1;; next = content.size()) {
         const std::size_t before = content.size();
-        const std::size_t piece = std::clamp(before, kFirstPiece, kLargestPiece);
+        const std::size_t piece = std::min(next, kLargestPiece);
         content.resize(before + piece);
         const std::size_t got = file->Read(content.data() + before, static_cast<unsigned>(piece));
         if (got == piece) continue;
@@ -70,10 +70,10 @@ std::string read_text_file(const std::wstring& path) {
     }
 }
 
-bool try_read_text_file(const std::wstring& path, std::string& content) {
+bool try_read_text_file(const std::wstring& path, std::size_t expected, std::string& content) {
     content.clear();
     try {
-        content = read_text_file(path);
+        content = read_text_file(path, expected);
         return true;
     } catch (const CXMemException&) {
         throw;

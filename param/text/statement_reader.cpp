@@ -49,6 +49,10 @@ bool StatementReader::next(std::string_view& statement) {
 
 bool StatementReader::next_line() {
     while (next_line_ != text_end_) {
+        if (*next_line_ == '\n') {
+            ++next_line_;
+            continue;
+        }
         at_ = next_line_;
         const char* const feed = find_byte_or_end(at_, text_end_, '\n');
         next_line_ = feed != text_end_ ? feed + 1 : text_end_;

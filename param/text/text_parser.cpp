@@ -9,7 +9,7 @@
 
 #include <cstdint>
 #include <deque>
-#include <set>
+#include <map>
 #include <utility>
 
 namespace qzr {
@@ -114,12 +114,14 @@ private:
         if (sources_.size() > kDeepestInclude || includes_ == kMostIncludes) return;
         std::wstring path = named_file(name, sources_.back().path);
         if (path.empty() || is_being_read(path)) return;
-        const bool again = !included_.insert(path).second;
-        if (again && repeated_bytes_ >= kMostRepeatedBytes) return;
+        const auto [known, first_time] = included_.try_emplace(path, kUsualTextSize);
+        if (!first_time && repeated_bytes_ >= kMostRepeatedBytes) return;
         ++includes_;
         std::string content;
-        if (!try_read_text_file(path, content)) return;
-        if (again) repeated_bytes_ += content.size();
+        const bool opened = try_read_text_file(path, known->second, content);
+        known->second = content.size();
+        if (!opened) return;
+        if (!first_time) repeated_bytes_ += content.size();
         sources_.emplace_back(std::move(content), std::move(path));
     }
 
@@ -186,7 +188,7 @@ private:
     CQZRef<IParam> node_;        // of the section being read; nothing before the first one
     std::deque<Source> sources_; // innermost last; stays in place while growing
     unsigned includes_ = 0;
-    std::set<std::wstring, FileOrder> included_; // every file that was asked for
+    std::map<std::wstring, std::size_t, FileOrder> included_; // files that were asked for, and their sizes
     std::uint64_t repeated_bytes_ = 0;
     std::string scratch_;
     const LeadBytes leads_ = lead_bytes();

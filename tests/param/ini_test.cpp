@@ -7,6 +7,8 @@
 #include "support/import_mock.h"
 #include "support/scratch_folder.h"
 
+#include "qzsupp.h"
+
 #include <clocale>
 
 namespace {
@@ -394,6 +396,45 @@ TEST_F(Ini, MarksNothingThatItCouldNotRead) {
     const std::string hidden = "[\\]\r\n=hides\r\n@=i7\r\n"; // from the list of keys
     EXPECT_EQ(get_int(*tree_on(hidden), nullptr), 7);
     EXPECT_EQ(contents(), hidden);
+}
+
+std::vector<std::wstring> names_asked_for;
+BOOL WINAPI make_no_directory(const wchar_t* name, SECURITY_ATTRIBUTES*) {
+    names_asked_for.emplace_back(name);
+    return TRUE;
+}
+HANDLE WINAPI open_no_file(const wchar_t* name, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+    names_asked_for.emplace_back(name);
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return INVALID_HANDLE_VALUE;
+}
+
+// A dictionary names a code page for texts. Names of files are in the system's.
+TEST_F(Ini, FindsItsFilesWhateverDictionaryIsLoaded) {
+    int dictionaries = 0;
+    for (const char* const language : {"1033", "1049"}) { // one of them has another page than the system
+        const std::wstring name = L"d" + std::to_wstring(++dictionaries);
+        folder_.file(name + L".dlg");
+        const std::string lines = std::string("\"QZ_WLD_LANG_ID\"\n\"") + language + "\"\n";
+        ASSERT_EQ(Supp_AddWld(folder_.file(name + L".wld", lines).c_str()), 1);
+        wchar_t letter[2] = {};
+        MultiByteToWideChar(CP_ACP, 0, "\xDC", 1, letter, 1);
+        const auto asked_for = [&](const wchar_t* file) {
+            const std::wstring end = letter + std::wstring(file);
+            return std::any_of(
+                names_asked_for.begin(), names_asked_for.end(), [&](const std::wstring& asked) {
+                    return asked.size() > end.size() && asked.substr(asked.size() - end.size()) == end;
+                });
+        };
+        names_asked_for.clear();
+        const ImportMock folders("qzrcore.dll", "CreateDirectoryW",
+                                 reinterpret_cast<void*>(&make_no_directory));
+        const ImportMock files("qzrcore.dll", "CreateFileW", reinterpret_cast<void*>(&open_no_file));
+        open_ini(folder_.path(std::wstring(letter) + L"b\\x.ini"));
+        EXPECT_TRUE(asked_for(L"b")) << language;
+        tree_from("#include .\\\xDC.ini");
+        EXPECT_TRUE(asked_for(L".ini")) << language;
+    }
 }
 
 // With the next best letter the name would be that of another file.
