@@ -55,7 +55,7 @@ IParam* CRegistryParam::CreateSubParam(const char* name) {
     RegKey key = key_.create(name, existed);
     if (!key) return nullptr;
     auto node = CQZRef<IParam>::Adopt(new CRegistryParam(std::move(key)));
-    if (existed) node->Clear();
+    if (existed && key_.open_unless_link(name)) node->Clear();
     return node.Detach();
 }
 

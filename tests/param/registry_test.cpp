@@ -230,6 +230,7 @@ TEST_F(Registry, EmptiesNothingBehindALink) {
     root_->Clear();
     set_int(*CQZRef<IParam>::Adopt(root_->OpenSubParam("a", 0)), "v", 7);
     CQZRef<IParam>::Adopt(root_->CreateSubParam("b"));
+    EXPECT_TRUE(CQZRef<IParam>::Adopt(root_->CreateSubParam("b\\link")));
     root_->DeleteSubParam("b");
     EXPECT_EQ(outline_of(*root_, false), "a{v=7} b{link{v=7}}");
     const auto remove = reinterpret_cast<LONG(WINAPI*)(HKEY)>(
