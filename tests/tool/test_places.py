@@ -127,6 +127,10 @@ class Places(ProgramTest):
         self.assertEqual(self.tool("get", "ini:-", "v", stdin=b"[\\]\nv=sfrom memory\n").out, "from memory\n")
         self.assertEqual(self.tool("diff", "ini:-", "a.qzt", stdin=TREE.encode()).out, "")
         self.assertIn("cannot be changed", self.tool("set", "text:-", "v", "int:1", code=TROUBLE).err)
+        for place in ("stor:-", "stor:-!s", "live:-"):
+            self.assertIn("needs a file", self.tool("convert", "a.qzt", place, code=TROUBLE).err)
+            self.assertIn("needs a file", self.tool("show", place, code=TROUBLE).err)
+        self.assertNotIn("-", self.files())
 
     def test_includes_of_whole_files(self):
         os.mkdir(self.path("sub"))

@@ -70,6 +70,13 @@ void locate_remote(Address& address, const std::wstring& text) {
     address.file = address.copy->path();
 }
 
+/// Who writes "-" means standard input or output, and would look for the tree there and not in a file.
+void refuse_standard(const Kind& kind, const std::wstring& file) {
+    const bool needs_file = kind.place == Place::file || kind.place == Place::storage;
+    if (needs_file && file.substr(0, file.find(L'!')) == L"-")
+        fail(std::string(kind.name) + ":- needs a file; one of that name is written .\\-");
+}
+
 /// Splits KIND:FILE. A single letter before the colon is a drive.
 Address split(const std::wstring& argument) {
     Address address = {};
@@ -83,6 +90,7 @@ Address split(const std::wstring& argument) {
         file = argument.substr(colon + 1);
     }
     if (file.empty()) fail("\"" + printable(utf8(argument)) + "\" names no file");
+    if (address.kind != nullptr) refuse_standard(*address.kind, file);
     address.shown = without_passwords(printable(utf8(file)));
     if (is_remote(file)) {
         locate_remote(address, file);
