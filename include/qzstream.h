@@ -154,7 +154,8 @@ QZR_API IXStorage* new_Storage(const wchar_t* path, int mode);
 
 /// Opens a compound file; nobody else can meanwhile. A URL goes to open_UrlStorage (qzurl.h).
 /// @param mode 0 for reading and writing, transacted; anything else for reading only
-/// @return the root storage with one reference. Throws CXFileException; QZERR_NOT_FOUND when missing.
+/// @return the root storage with one reference. Throws CXFileException; QZERR_NOT_FOUND when missing,
+///         QZERR_FORMAT when it is none, or so damaged that the platform could hang on it or end the process.
 ///
 /// A writable storage that is released without Commit is committed all the same; that commit fails silently.
 QZR_API IXStorage* open_Storage(const wchar_t* path, int mode);

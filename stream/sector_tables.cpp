@@ -5,12 +5,12 @@
 // The directory is a chain of 128-byte entries, which form a tree: left and right sibling, first child.
 #include "stream/sector_tables.h"
 
-#include "core/allocator.h"
 #include "core/win_handle.h"
 
+#include <algorithm>
 #include <bit>
-#include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace qzr {
 
@@ -19,7 +19,9 @@ namespace {
 constexpr unsigned kFirstMark = 0xFFFFFFFA; // no sector numbers from here on
 constexpr unsigned kChainEnd = 0xFFFFFFFE;
 constexpr unsigned kUnused = 0xFFFFFFFF; // no sector; in the directory no entry
-constexpr unsigned kSmallLimit = 4096;   // shorter streams lie in small sectors
+constexpr unsigned kTableSector = 0xFFFFFFFD, kListSector = 0xFFFFFFFC;
+constexpr unsigned kSmallLimit = 4096; // shorter streams lie in small sectors
+constexpr unsigned kSmallShift = 6;    // of 64 bytes
 constexpr std::size_t kHeaderBytes = 512;
 constexpr std::size_t kHeaderList = 109; // sectors of the sector table that the header names
 
@@ -29,108 +31,174 @@ unsigned dword(const unsigned char* at) { return word(at) | word(at + 2) << 16; 
 using Bytes = Vector<unsigned char>;
 using Table = Vector<unsigned>;
 
+// For each number of a table the length of the chain from there on. A chain is followed once, up to where it
+// meets one that was followed before: streams may share the rest of theirs.
+class Chains {
+public:
+    // Strict chains end with the mark for it; others where a number leads out of the table, which all
+    // platforms notice.
+    explicit Chains(bool strict) : strict_(strict) {}
+
+    void set_table(Table table) {
+        table_ = std::move(table);
+        lengths_.assign(table_.size(), 0);
+        highest_.assign(strict_ ? 0 : table_.size(), 0);
+    }
+
+    // Sectors from one on; 0 when there are none, or they run in a circle or do not end as they should.
+    unsigned length(unsigned first) {
+        if (first >= table_.size()) return 0;
+        follow(first);
+        return lengths_[first] == kEndless ? 0 : lengths_[first];
+    }
+
+    // The highest number in a chain that has a length; kept for chains that are not strict.
+    unsigned highest(unsigned first) const { return highest_[first]; }
+
+    unsigned next(unsigned number) const { return table_[number]; }
+    bool is_free(unsigned number) const { return number < table_.size() && table_[number] == kUnused; }
+
+private:
+    static constexpr unsigned kEndless = 0xFFFFFFFF, kOnTheWay = 0xFFFFFFFE;
+
+    void follow(unsigned first) {
+        way_.clear();
+        unsigned at = first;
+        for (; at < table_.size() && lengths_[at] == 0; at = table_[at]) {
+            lengths_[at] = kOnTheWay;
+            way_.push_back(at);
+        }
+        unsigned length = 0, highest = 0;
+        if (at < table_.size()) {
+            length = lengths_[at] == kOnTheWay ? kEndless : lengths_[at];
+            highest = strict_ ? 0 : highest_[at];
+        } else if (strict_ && at != kChainEnd) {
+            length = kEndless;
+        }
+        for (; !way_.empty(); way_.pop_back()) {
+            const unsigned number = way_.back();
+            lengths_[number] = length == kEndless ? kEndless : ++length;
+            if (!strict_) highest_[number] = highest = std::max(highest, number);
+        }
+    }
+
+    bool strict_;
+    Table table_, lengths_, highest_, way_;
+};
+
 class TableReader {
 public:
-    explicit TableReader(FileHandle file) : file_(std::move(file)) {}
+    explicit TableReader(TableBytes& bytes) : bytes_(bytes), size_(bytes.size()) {}
 
-    bool safe() {
+    TableFindings look() {
         Bytes header(kHeaderBytes);
         constexpr unsigned char kSignature[] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
-        if (!read(0, header) || std::memcmp(header.data(), kSignature, sizeof kSignature) != 0) return true;
-        return takes_sizes(header) && takes_sector_table(header) && takes_directory(dword(&header[48])) &&
-               takes_small_table(dword(&header[60])) && has_safe_entries();
+        if (bytes_.read(0, header.data(), kHeaderBytes) == kHeaderBytes &&
+            std::memcmp(header.data(), kSignature, sizeof kSignature) == 0)
+            found_.safe = takes_sizes(header) && takes_sector_table(header) &&
+                          takes_directory(dword(&header[48])) && takes_small_table(dword(&header[60])) &&
+                          has_safe_entries();
+        return std::move(found_);
     }
 
 private:
-    // A file of 16 MiB has its table in 256 places. An offset in the call itself would cost seven times both
-    // of these.
-    bool read(std::uint64_t position, Bytes& bytes) {
-        LARGE_INTEGER place = {};
-        place.QuadPart = static_cast<LONGLONG>(position);
-        DWORD got = 0;
-        return SetFilePointerEx(file_.get(), place, nullptr, FILE_BEGIN) != FALSE &&
-               ReadFile(file_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr) !=
-                   FALSE &&
-               got == bytes.size();
-    }
+    std::uint64_t position_of(unsigned sector) const { return (std::uint64_t{sector} + 1) << shift_; }
 
-    // What lies behind the end of a file that was cut short reads as free. The bytes live until the next
-    // call.
+    bool present(unsigned sector) const { return sector < kFirstMark && position_of(sector) < size_; }
+
+    // What lies behind the end of a file counts as zero where its last sector is not full, as the platform
+    // has it, and as free where there is no sector. The bytes live until the next call.
     const Bytes& sector(unsigned number) {
-        sector_.resize(std::size_t{1} << shift_);
-        if (!read((std::uint64_t{number} + 1) << shift_, sector_)) sector_.assign(sector_.size(), 0xFF);
+        sector_.assign(std::size_t{1} << shift_, present(number) ? 0 : 0xFF);
+        if (present(number)) bytes_.read(position_of(number), sector_.data(), sector_.size());
         return sector_;
     }
 
     bool takes_sizes(const Bytes& header) {
         shift_ = word(&header[30]);
-        LARGE_INTEGER size = {};
-        if ((shift_ != 9 && shift_ != 12) || word(&header[32]) != 6) return false;
-        if (GetFileSizeEx(file_.get(), &size) == FALSE) return false;
-        sectors_ = static_cast<std::uint64_t>(size.QuadPart) >> shift_;
-        return true;
+        return (shift_ == 9 || shift_ == 12) && word(&header[32]) == 6;
     }
 
-    void append(Table& table, const Bytes& bytes) {
+    static void append(Table& table, const Bytes& bytes) {
         static_assert(std::endian::native == std::endian::little, "as stored");
         const std::size_t before = table.size();
         table.resize(before + bytes.size() / sizeof(unsigned));
         std::memcpy(&table[before], bytes.data(), bytes.size());
     }
 
-    // The sectors that the sector table lies in, then the table.
+    // The sectors that the sector table lies in, then the table. The count may be larger than what is listed:
+    // a commit that was interrupted left it so. What is listed behind it would be taken for a part of the
+    // table as soon as the file grows.
     bool takes_sector_table(const Bytes& header) {
         const std::size_t count = dword(&header[44]);
-        if (count > sectors_) return false;
-        Table list;
+        Table list, list_sectors;
+        Vector<std::uint64_t> places;
+        if (!takes_list(header, list, places, list_sectors)) return false;
+        Table table;
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            if (i < count)
+                append(table, sector(list[i]));
+            else if (list[i] < kFirstMark)
+                return false;
+            else if (list[i] != kUnused)
+                found_.odd_marks.push_back({places[i], kUnused});
+        }
+        chains_.set_table(std::move(table));
+        for (std::size_t i = 0; i < list.size() && i < count; ++i)
+            keep_sector(list[i], kTableSector, list);
+        for (const unsigned number : list_sectors)
+            keep_sector(number, kListSector, list);
+        return true;
+    }
+
+    // Notes when a sector of the table, or of its list, counts as free.
+    void keep_sector(unsigned number, unsigned mark, const Table& list) {
+        if (!present(number) || !chains_.is_free(number)) return;
+        const unsigned numbers = 1u << (shift_ - 2); // in a sector
+        const unsigned holder = list[number / numbers];
+        if (present(holder))
+            found_.odd_marks.push_back({position_of(holder) + number % numbers * std::uint64_t{4}, mark});
+    }
+
+    bool takes_list(const Bytes& header, Table& list, Vector<std::uint64_t>& places, Table& list_sectors) {
         for (std::size_t i = 0; i < kHeaderList; ++i)
-            list.push_back(dword(&header[76 + 4 * i]));
+            list_number(header, 76 + 4 * i, 0, list, places);
+        const std::size_t most = static_cast<std::size_t>(size_ >> shift_) + 2 * kHeaderList;
         unsigned next = dword(&header[68]);
         for (unsigned left = dword(&header[72]); left != 0 && next < kFirstMark; --left) {
-            if (next >= sectors_ || list.size() > sectors_) return false;
-            append(list, sector(next));
-            next = list.back();
-            list.pop_back();
-        }
-        if (list.size() < count) return false;
-        for (std::size_t i = 0; i < list.size(); ++i) {
-            const bool unused = i >= count && list[i] == kUnused;
-            if (!unused && list[i] >= sectors_) return false; // some look at those behind the count, too
-            if (i < count) append(table_, sector(list[i]));
+            if (!present(next) || list.size() > most) return false; // in a circle at the latest
+            const Bytes& bytes = sector(next);
+            list_sectors.push_back(next);
+            for (std::size_t at = 0; at + 4 < bytes.size(); at += 4)
+                list_number(bytes, at, position_of(next), list, places);
+            next = dword(&bytes[bytes.size() - 4]);
         }
         return true;
     }
 
-    // Whether a chain comes to its end. More steps than there are numbers are a circle.
-    static bool ends(const Table& table, unsigned first) {
-        std::size_t steps = 0;
-        unsigned at = first;
-        while (at < table.size() && ++steps <= table.size())
-            at = table[at];
-        return at == kChainEnd;
+    static void list_number(const Bytes& bytes, std::size_t at, std::uint64_t base, Table& list,
+                            Vector<std::uint64_t>& places) {
+        list.push_back(dword(&bytes[at]));
+        places.push_back(base + at);
     }
 
-    // Of small sectors every number but one in a circle is noticed by all platforms.
-    static bool small_chain_ends(const Table& table, unsigned first) {
-        std::size_t steps = 0;
-        for (unsigned at = first; at < table.size(); at = table[at])
-            if (++steps > table.size()) return false;
-        return true;
-    }
-
+    // Where a sector of it is missing some platforms search without end for a place of a new entry.
     bool takes_directory(unsigned first) {
-        if (!ends(table_, first)) return false;
-        for (unsigned at = first; at < kFirstMark; at = table_[at]) {
+        if (chains_.length(first) == 0) return false;
+        for (unsigned at = first; at < kFirstMark; at = chains_.next(at)) {
+            if (!present(at)) return false;
             const Bytes& bytes = sector(at);
             directory_.insert(directory_.end(), bytes.begin(), bytes.end());
         }
-        return !directory_.empty();
+        return true;
     }
 
     bool takes_small_table(unsigned first) {
-        if (!ends(table_, first)) return false;
-        for (unsigned at = first; at < kFirstMark; at = table_[at])
-            append(small_table_, sector(at));
+        Table table;
+        if (first != kChainEnd && chains_.length(first) == 0) return false;
+        for (unsigned at = first; at < kFirstMark; at = chains_.next(at))
+            append(table, sector(at));
+        small_chains_.set_table(std::move(table));
         return true;
     }
 
@@ -151,7 +219,7 @@ private:
             const unsigned char kind = entry[66];
             if ((kind == kRoot) != (index == 0)) return false;
             if (kind != kRoot && kind != kStorage && kind != kStream) return false;
-            if (kind != kStorage && !has_safe_chain(entry, kind == kRoot)) return false;
+            if (kind != kStorage && !holds_its_bytes(entry, kind == kRoot)) return false;
             if (kind != kStream) open.push_back(dword(entry + 76));
             open.push_back(dword(entry + 68));
             open.push_back(dword(entry + 72));
@@ -159,32 +227,85 @@ private:
         return true;
     }
 
-    // The bytes of a stream or, in the root, the small sectors of all. The high half of a size means
-    // something with large sectors only: old software left there whatever it had.
-    bool has_safe_chain(const unsigned char* entry, bool root) const {
-        const unsigned first = dword(entry + 116), size = dword(entry + 120);
-        const unsigned size_high = shift_ == 9 ? 0 : dword(entry + 124);
-        if (size == 0 && size_high == 0) return true;
-        const bool small = !root && size < kSmallLimit;
-        if (small && !small_chain_ends(small_table_, first)) return false;
-        return (small && size_high == 0) || ends(table_, first);
+    // Whether a stream or, in the root, the small sectors of all have as many bytes as the entry claims. The
+    // high half of a size means something with large sectors only: old software left there whatever it had.
+    bool holds_its_bytes(const unsigned char* entry, bool root) {
+        const unsigned first = dword(entry + 116);
+        const std::uint64_t high = shift_ == 9 ? 0 : dword(entry + 124);
+        const std::uint64_t size = high << 32 | dword(entry + 120);
+        if (root) small_bytes_ = size;
+        if (size == 0) return true;
+        if (root || size >= kSmallLimit) return std::uint64_t{chains_.length(first)} << shift_ >= size;
+        return std::uint64_t{small_chains_.length(first)} << kSmallShift >= size &&
+               std::uint64_t{small_chains_.highest(first)} << kSmallShift < small_bytes_;
     }
 
-    FileHandle file_;
+    TableBytes& bytes_;
+    const std::uint64_t size_; // of the file
     Bytes sector_;
-    unsigned shift_ = 0;        // a sector has 1 << shift_ bytes
-    std::uint64_t sectors_ = 0; // in the file, the header counted
-    Table table_, small_table_;
+    unsigned shift_ = 0; // a sector has 1 << shift_ bytes
+    Chains chains_{true}, small_chains_{false};
+    std::uint64_t small_bytes_ = 0; // of all small sectors, as the root has it
     Bytes directory_;
+    TableFindings found_;
 };
+
+// A file of 16 MiB has its table in 256 places. An offset in the call itself would cost seven times both of
+// these.
+class FileBytes final : public TableBytes {
+public:
+    explicit FileBytes(HANDLE file) : file_(file) {}
+
+    std::uint64_t size() override {
+        LARGE_INTEGER size = {};
+        return GetFileSizeEx(file_, &size) != FALSE ? static_cast<std::uint64_t>(size.QuadPart) : 0;
+    }
+
+    std::size_t read(std::uint64_t position, unsigned char* buffer, std::size_t count) override {
+        DWORD got = 0;
+        return seek(position) && ReadFile(file_, buffer, static_cast<DWORD>(count), &got, nullptr) != FALSE
+                   ? got
+                   : 0;
+    }
+
+    void mend(const TableFindings::OddMark& odd) {
+        DWORD written = 0;
+        if (seek(odd.position)) WriteFile(file_, &odd.should_be, sizeof odd.should_be, &written, nullptr);
+    }
+
+private:
+    bool seek(std::uint64_t position) {
+        LARGE_INTEGER place = {};
+        place.QuadPart = static_cast<LONGLONG>(position);
+        return SetFilePointerEx(file_, place, nullptr, FILE_BEGIN) != FALSE;
+    }
+
+    HANDLE file_;
+};
+
+FileHandle open_file(const wchar_t* path, DWORD access) {
+    return FileHandle(CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
 } // namespace
 
-bool has_safe_tables(const wchar_t* path) {
+TableFindings look_at_tables(TableBytes& bytes) { return TableReader(bytes).look(); }
+
+bool has_safe_tables(const wchar_t* path, bool writable) {
     if (path == nullptr) return true;
-    FileHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return !file || TableReader(std::move(file)).safe();
+    TableFindings found;
+    if (const FileHandle file = open_file(path, GENERIC_READ)) {
+        FileBytes bytes(file.get());
+        found = look_at_tables(bytes);
+    }
+    if (!found.safe || !writable || found.odd_marks.empty()) return found.safe;
+    if (const FileHandle file = open_file(path, GENERIC_READ | GENERIC_WRITE)) {
+        FileBytes bytes(file.get());
+        for (const auto& odd : found.odd_marks)
+            bytes.mend(odd);
+    }
+    return true;
 }
 
 } // namespace qzr

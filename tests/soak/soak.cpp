@@ -39,7 +39,6 @@ constexpr Kind kKinds[] = {
     {"INI", work_ini, 1},
     {"registry", work_registry, 2},
     {"storage tree", work_storage_tree, 2},
-    {"storage", work_storage, 2},
     {"files", work_files, 4},
     {"output", work_output, 4},
     {"locks", work_locks, 1},

@@ -50,7 +50,6 @@ void work_forms(Work& work); // a tree in its text and stream forms, and in a fi
 void work_ini(Work& work);
 void work_registry(Work& work);
 void work_storage_tree(Work& work);
-void work_storage(Work& work);
 void work_files(Work& work);  // written in place and read back
 void work_output(Work& work); // files replaced safely
 void work_locks(Work& work);  // the registry of locked paths
