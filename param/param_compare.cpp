@@ -15,8 +15,8 @@ bool holds_values_of(IParam& a, IParam& b) {
     const NameEnum names = enum_values(a);
     while (const char* const name = next_name(names)) {
         CQZVariant value, other;
-        a.GetValue(name, &value);
-        if (b.GetValue(name, &other) == 0 || !(value == other)) return false;
+        read_value(a, name, value);
+        if (!read_value(b, name, other) || !(value == other)) return false;
     }
     return true;
 }

@@ -16,13 +16,10 @@ constexpr int kMostNameBytes = 1024;
 // An enumerated value that is gone is written as the empty one: its name is in the stream already, and a
 // reader expects a variant behind it.
 void save_values(IXStream& stream, IParam& node) {
-    const NameEnum names = enum_values(node);
-    CQZVariant value;
-    while (const char* const name = next_name(names)) {
+    for_each_value(node, [&](const char* name, const CQZVariant& value) {
         stream.WriteString(name);
-        if (node.GetValue(name, &value) == 0) QZVariantClear(&value);
         stream.WriteVariant(&value);
-    }
+    });
     stream.WriteString("");
 }
 

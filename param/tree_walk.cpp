@@ -29,6 +29,11 @@ const char* next_name(const NameEnum& names) {
     return name != nullptr ? name : "";
 }
 
+bool read_value(IParam& node, const char* name, CQZVariant& value) {
+    QZVariantClear(&value); // not every tree does that
+    return node.GetValue(name, &value) != 0 || value.vt != QZVT_EMPTY;
+}
+
 WalkLevel::WalkLevel(CQZRef<IParam> at) : node(std::move(at)), children(enum_children(*node)) {}
 
 const char* WalkLevel::next_child(CQZRef<IParam>& child) {

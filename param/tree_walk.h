@@ -35,13 +35,17 @@ CQZRef<IParam> create_child(IParam& node, const char* name);
 // The next name, or null at the end. A null that an implementation hands out as a name arrives as "".
 const char* next_name(const NameEnum& names);
 
+// Reads a value; one that is not there leaves it empty. @return whether it is there. Over a storage empty
+// bytes and texts and null objects are, though GetValue answers 0: nothing was read behind their counts.
+bool read_value(IParam& node, const char* name, CQZVariant& value);
+
 // Calls visit(name, value) for each value in order; a name that does not open comes with an empty value.
 template <class Visit>
 void for_each_value(IParam& node, Visit visit) {
     const NameEnum names = enum_values(node);
     while (const char* const name = next_name(names)) {
         CQZVariant value;
-        node.GetValue(name, &value);
+        read_value(node, name, value);
         visit(name, value);
     }
 }

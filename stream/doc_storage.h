@@ -35,6 +35,9 @@ public:
     // The top document storage with a reference; itself when it is the top one.
     CQZRef<CIXDocStorage> top() { return top_ ? top_ : CQZRef<CIXDocStorage>::Share(this); }
 
+    // Takes over the stream's reference; null stays null. Throws CXMemException, the stream is released then.
+    IXStream* wrap(IXStream* stream);
+
     // Of the top one.
     IXStorage* storage() const noexcept { return storage_.Get(); }
     void check_progress() const { qzr::check_progress(progress_.Get()); }
@@ -44,9 +47,7 @@ private:
                   int flags) noexcept
         : storage_(std::move(storage)), top_(std::move(top)), progress_(std::move(progress)), flags_(flags) {}
 
-    // Take over the child's reference; null stays null. Throw CXMemException, the child is released then.
-    IXStorage* wrap(IXStorage* child);
-    IXStream* wrap(IXStream* child);
+    IXStorage* wrap(IXStorage* child); // as with streams
 
     CQZRef<IXStorage> storage_;
     CQZRef<CIXDocStorage> top_;         // null in the top one

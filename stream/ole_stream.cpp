@@ -55,17 +55,30 @@ unsigned OleStream::GetSize() {
     return statistics.cbSize.LowPart;
 }
 
-void OleStream::cut() {
-    ULARGE_INTEGER size = {};
-    check(stream_->Seek({}, STREAM_SEEK_CUR, &size), QZOP_SEEK);
-    check(stream_->SetSize(size), QZOP_READ);
+HRESULT OleStream::resize(unsigned size) noexcept {
+    ULARGE_INTEGER wanted = {};
+    wanted.LowPart = size;
+    return stream_->SetSize(wanted);
 }
 
-void cut_at_position(IXStream& stream) {
+// What is new is written at once, and not only claimed: some platforms find room when it is written to.
+void OleStream::extend(const void* bytes, unsigned from, unsigned size) {
+    check(resize(size), QZOP_READ);
+    try {
+        move(from, STREAM_SEEK_SET);
+        Write(static_cast<const char*>(bytes) + from, size - from);
+        move(0, STREAM_SEEK_SET);
+    } catch (const CXFileException&) {
+        resize(from);
+        throw;
+    }
+}
+
+CQZRef<OleStream> storage_stream_below(IXStream& stream) {
     auto below = CQZRef<IXStream>::Share(&stream);
     while (const auto document = CQZRef<IDocStrorageInfo>::Query(below.Get()))
-        if (document->GetRawStream(below.Put()) == 0) return;
-    if (auto* const ours = dynamic_cast<OleStream*>(below.Get())) ours->cut();
+        if (document->GetRawStream(below.Put()) == 0) return {};
+    return CQZRef<OleStream>::Share(dynamic_cast<OleStream*>(below.Get()));
 }
 
 // Reads ahead and goes back behind the line: a platform call for each character would cost more.

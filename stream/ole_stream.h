@@ -22,7 +22,11 @@ public:
     // Without a reference of its own.
     IStream* platform() const noexcept { return stream_.Get(); }
 
-    void cut(); // at the position, which becomes the end
+    HRESULT resize(unsigned size) noexcept; // what the platform answers
+
+    // Grows the stream from `from` bytes to `size` and writes what belongs there; the position is the start
+    // then. A failure leaves the stream as long as it was, and its first bytes alone in any case.
+    void extend(const void* bytes, unsigned from, unsigned size);
 
 protected:
     OleStream() noexcept = default; // on nothing yet
@@ -63,7 +67,7 @@ public:
     const wchar_t* GetName() override { return L"OLE stream"; }
 };
 
-// Ends a stream at its position where it is one of a storage, also inside a document; does nothing elsewhere.
-void cut_at_position(IXStream& stream);
+// The stream of a storage that a stream is, or that it wraps as one of a document; null for any other.
+CQZRef<OleStream> storage_stream_below(IXStream& stream);
 
 } // namespace qzr

@@ -1,10 +1,13 @@
 #include "param/storage/stor_param.h"
 
-#include "param/system_text.h"
 #include "param/tree_walk.h"
+#include "stream/doc_storage.h"
+#include "stream/element_name.h"
 #include "stream/ole_stream.h"
 #include "stream/stg_error.h"
+#include "stream/variant_codec.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -29,6 +32,47 @@ struct ValuePath {
     std::string_view node;
     const char* name;
 };
+
+// A value as its stream holds it, made before anything stored is touched: an object may fail to save itself,
+// and in a document each piece of it may be cancelled.
+class Record {
+public:
+    Record(IXStorage& storage, const tagQZVARIANT& value) : made_(StreamRef::Adopt(new_StreamOnMemory())) {
+        if (!made_) throw CXMemException();
+        auto stream = made_;
+        if (auto* const document = dynamic_cast<CIXDocStorage*>(&storage)) // which an object may ask for
+            stream = StreamRef::Adopt(document->wrap(StreamRef(made_).Detach()));
+        write_variant(*stream, value, WideTextCount::kWhole);
+        block_ = CQZRef<IMemBlock>::Query(made_.Get());
+    }
+
+    void write_to(IXStream& stream) const { stream.Write(block_->GetData(), block_->GetSize()); }
+
+    // Of a stream at its start. What fails or is cancelled leaves the old record or the new one, where the
+    // stream is one of a storage: room is made behind the old record, and then one write changes it.
+    void replace_in(IXStream& stream) const;
+
+private:
+    StreamRef made_;
+    CQZRef<IMemBlock> block_;
+};
+
+void Record::replace_in(IXStream& stream) const {
+    const auto below = storage_stream_below(stream);
+    if (!below) return write_to(stream);
+    const unsigned size = block_->GetSize(), before = below->GetSize();
+    if (before < size) below->extend(block_->GetData(), before, size);
+    try {
+        stream.Write(block_->GetData(), std::min(before, size));
+    } catch (const CXFileException&) {
+        if (before < size) below->resize(before);
+        throw;
+    } catch (const CXException&) { // cancelled, when it was written
+        below->resize(size);
+        throw;
+    }
+    if (before > size) below->resize(size); // what is left of a longer value; nothing reads it if it stays
+}
 
 } // namespace
 
@@ -133,15 +177,31 @@ void CIXStorParam::SetValue(const char* name, const tagQZVARIANT* value) {
     if (node) node->write_value(path.name, *value);
 }
 
+// The stored value is only touched when the new one is there as a whole.
 void CIXStorParam::write_value(const char* name, const tagQZVARIANT& value) {
+    const Record record(*storage_, value);
     if (const auto stream = StreamRef::Adopt(storage_->OpenStream(name))) {
-        stream->WriteVariant(&value);
-        cut_at_position(*stream); // what is left of a longer value
+        record.replace_in(*stream);
         return;
     }
-    const auto stream = StreamRef::Adopt(storage_->CreateStream(name));
-    if (!stream) throw CXFileException(QZERR_FORMAT, QZOP_OPEN, system_text(name).GetData());
-    stream->WriteVariant(&value);
+    auto stream = StreamRef::Adopt(storage_->CreateStream(name));
+    if (!stream) throw CXFileException(QZERR_FORMAT, QZOP_OPEN, WideElementName(name).text());
+    try {
+        record.write_to(*stream);
+    } catch (const CXException& e) {
+        stream.Reset();
+        if (e.GetCode() != QZERR_CANCELLED) remove(name); // a cancelled one is written by then
+        throw;
+    }
+}
+
+// Removes what has the name, unless there is nothing that can be reached by it.
+void CIXStorParam::remove(const char* name) {
+    try {
+        storage_->DestroyStream(name);
+    } catch (const CXFileException& e) {
+        if (e.GetCode() != QZERR_NOT_FOUND && e.GetCode() != QZERR_BAD_PATH) throw;
+    }
 }
 
 bool CIXStorParam::is_child(const char* name) {
@@ -156,12 +216,7 @@ bool CIXStorParam::is_child(const char* name) {
 // The platform removes whatever has the name; a child is no value.
 void CIXStorParam::DeleteValue(const char* name) {
     const char* const element = value_name(name);
-    if (!StreamRef::Adopt(storage_->OpenStream(element)) && is_child(element)) return;
-    try {
-        storage_->DestroyStream(element);
-    } catch (const CXFileException& e) {
-        if (e.GetCode() != QZERR_NOT_FOUND) throw;
-    }
+    if (StreamRef::Adopt(storage_->OpenStream(element)) || !is_child(element)) remove(element);
 }
 
 void CIXStorParam::DeleteAllValues() {
@@ -174,13 +229,11 @@ CTEnum<const char*>* CIXStorParam::EnumValues() { return storage_->EnumStreams()
 
 // --- both ----------------------------------------------------------------------------------------------
 
+// Elements whose names the code page lacks are listed under others, and stay.
 void CIXStorParam::Clear() {
-    const NameEnum children = enum_children(*this);
-    while (const char* const name = next_name(children))
-        storage_->DestroyStorage(name);
-    const NameEnum values = enum_values(*this);
-    while (const char* const name = next_name(values))
-        storage_->DestroyStream(name);
+    for (const NameEnum& names : {enum_children(*this), enum_values(*this)})
+        while (const char* const name = next_name(names))
+            remove(name);
     check_storage(storage_->Commit(), QZOP_WRITE, storage_->GetName());
 }
 

@@ -39,6 +39,7 @@ private:
     Node open_child(const char* name, bool create);
     Node open_path(std::string_view path, bool create);
     bool is_child(const char* name);
+    void remove(const char* name);
     void write_value(const char* name, const tagQZVARIANT& value);
 
     CQZRef<CIXStorParam> parent_;

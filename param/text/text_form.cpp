@@ -35,7 +35,7 @@ public:
     // Null for a name that does not open; good until the next one is read.
     const tagQZVARIANT* read(const char* name) {
         if (in_memory_ != nullptr) return in_memory_->borrow_value(name, borrowed_) ? &borrowed_ : nullptr;
-        return node_.GetValue(name, &copy_) != 0 ? &copy_ : nullptr;
+        return read_value(node_, name, copy_) ? &copy_ : nullptr;
     }
 
 private:

@@ -31,6 +31,7 @@ public:
     }
 
     int Save(IXStream* stream) override {
+        if (on_save) on_save(stream);
         if (saves_nothing) return 0;
         stream->WriteByte(static_cast<unsigned char>(text.size()));
         stream->Write(text.data(), static_cast<unsigned>(text.size()));
@@ -49,6 +50,7 @@ public:
     std::string class_name;
     unsigned overstated = 0; // what GetSizeMax says too much
     bool saves_nothing = false;
+    std::function<void(IXStream*)> on_save; // runs at the start of each Save
 
     static inline int live = 0;                           // notes in existence
     static inline std::function<void(IXStream*)> on_load; // runs at the start of each Load

@@ -1,9 +1,16 @@
 // Parameter trees in storages.
 #include "contracts/param_contract.h"
+#include "contracts/persistent_note.h"
+#include "qzstring.h"
+#include "support/cancelling_sink.h"
 #include "support/hex.h"
+#include "support/import_mock.h"
 #include "support/limited_memory.h"
 #include "support/scratch_folder.h"
 #include "support/storages.h"
+
+#include <iterator>
+#include <set>
 
 #include <objbase.h>
 
@@ -28,14 +35,7 @@ struct StorageTree {
     StorageRef storage = memory_storage();
 };
 
-struct FileTree : StorageTree {
-    CQZRef<IParam> root() const { return tree_over(storage); }
-    ScratchFolder folder;
-    StorageRef storage = StorageRef::Adopt(new_Storage(folder.path(L"tree").c_str(), QZSTORAGE_TRANSACTED));
-};
-
 INSTANTIATE_TYPED_TEST_SUITE_P(Storage, ParamContract, StorageTree);
-INSTANTIATE_TYPED_TEST_SUITE_P(TransactedFile, ParamContract, FileTree);
 
 class StorageParam : public testing::Test {
 protected:
@@ -142,6 +142,142 @@ TEST_F(StorageParam, WhatCannotBeReadIsNoValue) {
     }
 }
 
+// Of these nothing is read behind their counts, which is why the answer is 0.
+TEST_F(StorageParam, EmptyValuesAreValuesToEveryWalk) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"1100 00000000", "empty bytes"},
+        {"1200 00", "no object"},
+        {"0a00 00000000", "a text without a terminator"},
+        {"1300 00000000", "a wide one"},
+    };
+    for (const auto& [bytes, what] : rows) {
+        SCOPED_TRACE(what);
+        put_stream(*storage, "v", test::from_hex(bytes));
+        CQZVariant out(5);
+        EXPECT_EQ(root->GetValue("v", &out), 0);
+        const CQZRef<IParam> copy = CQZRef<IParam>::Adopt(new_MemParam());
+        Param_CopyTo(root.Get(), copy.Get());
+        CQZVariant copied;
+        EXPECT_EQ(copy->GetValue("v", &copied), 1);
+        EXPECT_EQ(describe(copied), describe(out));
+        EXPECT_EQ(Param_Cmp(root.Get(), copy.Get()), 1);
+        EXPECT_EQ(Param_Cmp(copy.Get(), root.Get()), 1);
+        const auto forms = [](IParam& tree) {
+            const auto stream = StreamRef::Adopt(new_StreamOnMemory());
+            EXPECT_EQ(SaveParamToXStream(stream.Get(), &tree), 1);
+            std::string all(stream->GetSize(), ' ');
+            stream->Seek(0, 0);
+            stream->Read(all.data(), static_cast<unsigned>(all.size()));
+            CXString text;
+            EXPECT_EQ(Param_Param2String(&tree, text), 1);
+            return all + text.GetData();
+        };
+        EXPECT_EQ(forms(*root), forms(*copy));
+    }
+    storage->DestroyStream("v");
+    const CQZRef<IParam> gone = CQZRef<IParam>::Adopt(new_MemParam());
+    set_int(*gone, "v", 1);
+    EXPECT_EQ(Param_Cmp(gone.Get(), root.Get()), 0);
+}
+
+// --- values that are replaced --------------------------------------------------------------------------
+
+const CQZVariant& sample(int which) {
+    static const CQZVariant all[] = {CQZVariant(5), CQZVariant("old"), CQZVariant(L"wide"),
+                                     CQZVariant(std::string(3000, 'x').c_str()),
+                                     CQZVariant(std::string(9000, 'y').c_str())};
+    return all[which];
+}
+
+// However often the sink was asked before: the old value or the new one, and nothing behind it.
+TEST_F(StorageParam, ACancelledSetValueLeavesTheOldValueOrTheNew) {
+    StorageRef document;
+    const auto sink = CQZRef<CancellingSink>::Adopt(new CancellingSink);
+    new_CIXDocStorage(storage.Get(), sink.Get(), document.Put(), 0);
+    const auto tree = tree_over(document);
+    for (int from = -1; from < 5; ++from) {
+        for (int to = 0; to < 5; ++to) {
+            for (int asked = 1;; ++asked) {
+                SCOPED_TRACE(testing::Message() << from << " to " << to << ", cancelled at " << asked);
+                root->DeleteValue("v");
+                if (from >= 0) root->SetValue("v", &sample(from));
+                const std::string before = get_stream(*storage, "v");
+                root->SetValue("w", &sample(to));
+                const std::string after = get_stream(*storage, "w");
+                sink->asked = 0;
+                sink->cancel_from = asked;
+                const bool cancelled = thrown_by([&] { tree->SetValue("v", &sample(to)); }) == "1";
+                const std::string found = get_stream(*storage, "v");
+                EXPECT_TRUE(found == after || (cancelled && found == before)) << found.size();
+                if (!cancelled) break;
+            }
+        }
+    }
+}
+
+TEST_F(StorageParam, AnObjectIsSavedToItsDocumentOrTheOldValueStays) {
+    const auto note = CQZRef<test::PersistentNote>::Adopt(new test::PersistentNote("saved"));
+    CQZVariant object;
+    object.vt = QZVT_OBJECT;
+    object.pUnkVal = CQZRef<test::PersistentNote>(note).Detach();
+    root->SetValue("v", &sample(3));
+    note->on_save = [](IXStream*) { throw CXMemException(); };
+    for (const char* const name : {"v", "new"})
+        EXPECT_EQ(thrown_by([&] { root->SetValue(name, &object); }), "2");
+    EXPECT_EQ(layout_of(*storage), "v=3007");
+
+    StorageRef document, told;
+    new_CIXDocStorage(storage.Get(), nullptr, document.Put(), 7);
+    note->on_save = [&told](IXStream* stream) {
+        const auto info = CQZRef<IDocStrorageInfo>::Query(stream);
+        ASSERT_TRUE(info);
+        EXPECT_EQ(info->GetFlags(), 7u);
+        info->GetDocStorage(told.Put());
+    };
+    tree_over(document)->SetValue("v", &object);
+    EXPECT_EQ(told, document);
+    EXPECT_EQ(get_stream(*storage, "v"), test::from_hex("1200 'TestNote' 00 06000000 05 'saved'"));
+}
+
+// A disk with room for some pages: a file can be made longer, but not filled.
+std::set<unsigned> pages;
+std::size_t most_pages;
+decltype(WriteFile)* real_write;
+
+BOOL WINAPI write_to_full_disk(HANDLE file, const void* bytes, DWORD n, DWORD* written, OVERLAPPED* place) {
+    const unsigned at = SetFilePointer(file, 0, nullptr, FILE_CURRENT);
+    for (unsigned page = at / 4096; n != 0 && page <= (at + n - 1) / 4096; ++page)
+        pages.insert(page);
+    if (pages.size() <= most_pages) return real_write(file, bytes, n, written, place);
+    pages.erase(std::prev(pages.end()));
+    *written = 0;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+TEST_F(StorageParam, AValueWithoutRoomLeavesTheOldOne) {
+    const CQZVariant longer(std::string(200'000, 'z').c_str());
+    for (const char* const name : {"v", "new"}) {
+        for (int old = 0; old < 5; ++old) {
+            SCOPED_TRACE(testing::Message() << name << " instead of value " << old);
+            pages.clear();
+            most_pages = 0xFFFFFFFF;
+            const ImportMock mock("ole32.dll", "WriteFile", reinterpret_cast<void*>(&write_to_full_disk));
+            real_write = mock.original<decltype(WriteFile)>();
+            const std::wstring path = folder.path(L"f" + std::to_wstring(old));
+            const auto file = StorageRef::Adopt(new_Storage(path.c_str(), 0));
+            const auto tree = tree_over(file);
+            tree->SetValue("v", &sample(old));
+            const std::string before = get_stream(*file, "v");
+            most_pages = pages.size() + 40;
+            EXPECT_NE(thrown_by([&] { tree->SetValue(name, &longer); }), "nothing");
+            most_pages = 0xFFFFFFFF;
+            EXPECT_TRUE(get_stream(*file, "v") == before);
+            EXPECT_EQ(get_stream(*file, "new"), "(none)");
+        }
+    }
+}
+
 TEST_F(StorageParam, AValueThatTheStorageRefusesIsToldNotLost) {
     const std::string long_name(40, 'n');
     EXPECT_EQ(thrown_by([&] { set_int(*root, long_name.c_str(), 1); }), "15, 0, " + long_name);
@@ -175,6 +311,24 @@ TEST_F(StorageParam, ClearAloneCommits) {
     set_int(*root, "w", 1);
     EXPECT_EQ(platform->Revert(), S_OK);
     EXPECT_EQ(layout_of(*storage), "") << "what came before was committed, what came after was not";
+}
+
+// They are listed under other names, and stay.
+TEST_F(StorageParam, ClearGoesOnOverNamesThatTheCodePageLacks) {
+    const auto platform =
+        CQZRef<IStorage>::Adopt(static_cast<IStorage*>(Storage_GetOLEStorage(storage.Get())));
+    constexpr DWORD kNew = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+    CQZRef<IStorage> child;
+    CQZRef<IStream> stream;
+    ASSERT_EQ(platform->CreateStorage(L"\x0E01", kNew, 0, 0, child.Put()), S_OK);
+    ASSERT_EQ(platform->CreateStream(L"\x0E02", kNew, 0, 0, stream.Put()), S_OK);
+    run_steps(*root, "set a; create z; put z\\v; set x");
+    root->Clear();
+    root->DeleteAllValues();
+    root->DeleteAllSubParams();
+    EXPECT_EQ(outline_of(*root, false), "?! ?!");
+    EXPECT_EQ(take_names(storage->EnumStreams()), Names{"?"});
+    EXPECT_EQ(take_names(storage->EnumStorages()), Names{"?"});
 }
 
 TEST_F(StorageParam, ManyLevelsAreWalkedAndReleasedWithoutDeepRecursion) {
