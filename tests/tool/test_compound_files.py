@@ -5,13 +5,15 @@ The witnesses are libgsf's command and olefile, which belongs to the distributio
 import glob
 import json
 import os
+import random
 import re
+import struct
 import subprocess
 import tempfile
 import urllib.parse
 import zlib
 
-from support import ProgramTest
+from support import NO, OK, TROUBLE, ProgramTest
 
 # A file that was committed in transacted mode counts its transactions, which olefile finds odd.
 OLEFILE = """
@@ -152,3 +154,47 @@ class CompoundFiles(ProgramTest):
                 found = self.by_library(f"{number}.xls")
                 self.assertTrue(found)
                 self.assertEqual(found, self.by_olefile(f"{number}.xls", "as it is"))
+
+    # What olefile reads as before, the library does; whatever was done to a file, the program ends as it should.
+
+    def documents(self):
+        self.make_folder("in", self.files())
+        self.tool("storage", "pack", "in", "made")
+        with open(sorted(glob.glob(DOCUMENTS))[0], "rb") as file:
+            self.write("theirs", file.read())
+        return {name: self.read(name) for name in ("made", "theirs")}
+
+    def test_harmless_changes_change_nothing(self):
+        for name, whole in self.documents().items():
+            expected = self.by_library(name)
+            count = struct.unpack_from("<I", whole, 44)[0]
+            numbers = [(44, count + 1), (44, count + 1000), (76 + 4 * count, 0xFFFFFFFE), (508, 0xFFFFFFFD)]
+            changed = [whole[:at] + struct.pack("<I", number) + whole[at + 4:] for at, number in numbers]
+            changed += [whole[:-cut] for cut in (1, 128, 384, 511)]
+            for number, contents in enumerate(changed):
+                with self.subTest(name=name, number=number):
+                    self.write("changed", contents)
+                    try:
+                        same = self.by_olefile("changed", "as it is") == expected
+                    except (AssertionError, ValueError):
+                        same = False  # bytes of a stream were cut off
+                    if same or number < len(numbers):
+                        self.assertEqual(self.by_library("changed"), expected)
+
+    def test_damage_at_random_ends_nothing_badly(self):
+        bits = random.Random(7)
+        for name, whole in self.documents().items():
+            directory, table = ((struct.unpack_from("<I", whole, at)[0] + 1) * 512 for at in (48, 76))
+            for number in range(20):
+                contents = bytearray(whole)
+                for _ in range(1 + bits.randrange(3)):
+                    at = bits.choice((0, directory, directory, table)) + bits.randrange(128) * 4
+                    value = bits.choice((0, 1, len(whole) // 512, bits.randrange(300), 0xFFFFFFFE, 0xFFFFFFFF,
+                                         struct.unpack_from("<I", contents, at)[0] + 1 & 0xFFFFFFFF))
+                    struct.pack_into("<I", contents, at, value)
+                with self.subTest(name=name, number=number):
+                    self.write("damaged", bytes(contents))
+                    result = self.run_program("qzrtool", "storage", "check", "damaged")
+                    self.assertIn(result.code, (OK, NO, TROUBLE), result.err)
+                    result = self.run_program("qzrtool", "storage", "put", "damaged!new", "-", stdin=b"n" * 100000)
+                    self.assertIn(result.code, (OK, TROUBLE), result.err)
