@@ -158,7 +158,7 @@ private:
 };
 
 void run(const std::string& input) {
-    constexpr std::size_t kOpenedOneIn = 2000;
+    constexpr std::size_t kOpenedOneIn = 10'000;
     InputBytes bytes(input);
     const qzr::TableFindings found = qzr::look_at_tables(bytes);
     for (const auto& odd : found.odd_marks)
