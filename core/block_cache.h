@@ -14,13 +14,17 @@ namespace qzr {
 // those took a third of the time. The other one is for all, behind a flag that is only tried, never waited
 // for: a thread that finds it taken goes to the heap instead. So threads do not queue here, and one that was
 // ended while it held a flag blocks nobody.
+//
+// Only when memory runs out does another thread reach into the home thread's lists. Both sides then say what
+// they are about before they look at what the other says; the home thread does it with plain stores, and the
+// other one, which has the time, makes the system see to it that those have become visible.
 class BlockCache {
 public:
     BlockCache() noexcept : home_(this_thread()) {
         for (std::size_t i = 0; i < kClasses; ++i)
             own_[i].limit = shared_[i].list.limit = static_cast<unsigned>(kBytesPerClass / largest_of(i));
     }
-    ~BlockCache() { clear(); }
+    ~BlockCache();
     BlockCache(const BlockCache&) = delete;
     BlockCache& operator=(const BlockCache&) = delete;
 
@@ -41,7 +45,7 @@ public:
         if (n > kLargest) return nullptr;
         const std::size_t c = class_of(n);
         if (this_thread() == home_)
-            if (void* const own = own_[c].take()) return own;
+            if (void* const own = at_home([&]() noexcept { return own_[c].take(); })) return own;
         SharedList& shared = shared_[c];
         if (shared.busy.test_and_set(std::memory_order_acquire)) return nullptr;
         void* const block = shared.list.take();
@@ -53,7 +57,7 @@ public:
     bool keep(void* p, std::size_t n) noexcept {
         if (n > kLargest) return false;
         const std::size_t c = class_of(n);
-        if (this_thread() == home_) return own_[c].keep(p);
+        if (this_thread() == home_) return at_home([&]() noexcept { return own_[c].keep(p); });
         SharedList& shared = shared_[c];
         if (shared.busy.test_and_set(std::memory_order_acquire)) return false;
         const bool kept = shared.list.keep(p);
@@ -61,8 +65,9 @@ public:
         return kept;
     }
 
-    // Gives every block back to its heap. No other thread may use the cache then.
-    void clear() noexcept;
+    // Gives the blocks back to their heap, from any thread, while others go on; one caller at a time. A list
+    // that a thread is busy with for long, or was ended in, stays as it is. @return whether there were any
+    bool give_back() noexcept;
 
 private:
     // Sizes are 16 apart up to 256, then eight to each power of two.
@@ -106,7 +111,7 @@ private:
             ++count;
             return true;
         }
-        void clear() noexcept;
+        bool clear() noexcept; // whether there was anything
     };
     // A line of the processor's cache each, so that threads with different sizes do not disturb each other.
     struct alignas(64) SharedList {
@@ -114,7 +119,23 @@ private:
         List list;
     };
 
+    // What the home thread does with its lists. While they are being given back there is nothing in them.
+    template <class Action>
+    auto at_home(Action action) noexcept -> decltype(action()) {
+        at_work_.store(true, std::memory_order_relaxed);
+        std::atomic_signal_fence(std::memory_order_seq_cst); // the store first, then the look
+        const bool alone = !giving_back_.load(std::memory_order_relaxed);
+        const auto result = alone ? action() : decltype(action())();
+        at_work_.store(false, std::memory_order_release);
+        return result;
+    }
+
+    bool give_back_own() noexcept;
+    bool give_back_shared() noexcept;
+
     const void* const home_;
+    std::atomic<bool> at_work_{false};     // the home thread is at its lists
+    std::atomic<bool> giving_back_{false}; // and has to leave them alone
     List own_[kClasses];
     SharedList shared_[kClasses];
 };

@@ -55,45 +55,24 @@ void* CHeap::Alloc(unsigned long long size) { return allocate(size, HEAP_ZERO_ME
 
 void* CHeap::alloc_unzeroed(unsigned long long size) { return allocate(size, 0); }
 
+// A size whose sum with the header would wrap is refused like any other that is too large.
 void* CHeap::allocate(unsigned long long size, DWORD flags) {
-    m_manager.wait_for_sink();
-    auto* header = static_cast<BlockHeader*>(request(size, flags));
-    if (header == nullptr) [[unlikely]]
-        header = static_cast<BlockHeader*>(request_again(size, flags));
-    m_manager.activity().count_request(size + kOverhead);
+    void* const block = m_manager.obtain(size + kOverhead, [&]() noexcept {
+        return size <= kLargestRequest ? HeapAlloc(m_hHeap.get(), flags, size + kOverhead) : nullptr;
+    });
+    auto* const header = static_cast<BlockHeader*>(block);
     header->owner = this;
     return header + 1;
-}
-
-// A size whose sum with the header would wrap is refused like any other that is too large.
-void* CHeap::request(unsigned long long size, DWORD flags) noexcept {
-    return size <= kLargestRequest ? HeapAlloc(m_hHeap.get(), flags, size + kOverhead) : nullptr;
-}
-
-[[gnu::noinline]] void* CHeap::request_again(unsigned long long size, DWORD flags) {
-    const std::lock_guard guard(m_manager.lock());
-    void* const block = m_manager.retry([&] { return request(size, flags); });
-    if (block == nullptr) throw CXMemException();
-    return block;
 }
 
 void* CHeap::stretch(void* p, unsigned long long size) {
     BlockHeader* const header = header_of(p);
     CHeap& owner = *header->owner;
-    HeapManager& manager = owner.m_manager;
-    const auto request = [&]() noexcept {
+    void* const stretched = owner.m_manager.obtain(size + kOverhead, [&]() noexcept {
         return size <= kLargestRequest ? HeapReAlloc(owner.m_hHeap.get(), 0, header, size + kOverhead)
                                        : nullptr;
-    };
-    manager.wait_for_sink();
-    void* stretched = request();
-    if (stretched == nullptr) [[unlikely]] {
-        const std::lock_guard guard(manager.lock());
-        stretched = manager.retry(request);
-    }
-    if (stretched == nullptr) throw CXMemException();
-    manager.activity().count_request(size + kOverhead);
-    manager.activity().count_free();
+    });
+    owner.m_manager.activity().count_free();
     return static_cast<BlockHeader*>(stretched) + 1;
 }
 

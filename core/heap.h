@@ -46,8 +46,6 @@ public:
 
 private:
     void* allocate(unsigned long long size, DWORD flags);
-    void* request(unsigned long long size, DWORD flags) noexcept;
-    void* request_again(unsigned long long size, DWORD flags);
 
     HeapHandle m_hHeap;
     int m_bPermanent;

@@ -1,7 +1,5 @@
 #include "core/heap_manager.h"
 
-#include "qzexception.h"
-
 #include <mutex>
 #include <new>
 #include <vector>
@@ -74,6 +72,8 @@ void HeapManager::unlink(CHeap& heap) noexcept {
 }
 
 bool HeapManager::ask_sink(unsigned attempt) { return sink_ != nullptr && sink_->OnLowMemory(attempt) != 0; }
+
+bool HeapManager::give_back_recycled() noexcept { return recycled_ != nullptr && recycled_->give_back(); }
 
 void HeapManager::install_sink(ILowMemoryNotifySink* sink) {
     const std::lock_guard guard(lock_);

@@ -3,10 +3,13 @@
 #pragma once
 
 #include "core/activity.h"
+#include "core/block_cache.h"
 #include "core/heap.h"
 #include "core/native_lock.h"
+#include "qzexception.h"
 
 #include <atomic>
+#include <mutex>
 
 namespace qzr {
 
@@ -60,16 +63,38 @@ public:
     void unlink(CHeap& heap) noexcept;
     Activity& activity() noexcept { return activity_; }
 
-    // After the system has refused a request: asks the sink whether to try again, and tries again, until
-    // there is an answer or the sink gives up (null, also when there is no sink). With the lock held.
+    // What every request for memory goes through, whichever part of the system serves it: `request` answers
+    // the memory or null, and is tried until it has an answer or the sink gives up. bytes is what the
+    // statistics get to see. Throws CXMemException.
+    template <class Request>
+    void* obtain(unsigned long long bytes, Request request) {
+        wait_for_sink();
+        void* memory = request();
+        if (memory == nullptr) [[unlikely]]
+            memory = obtain_again(request);
+        activity_.count_request(bytes);
+        return memory;
+    }
+
+    // After the system has refused a request. It is repeated before anybody is asked, since another thread's
+    // sink may have made room while this one waited for the lock; then without the blocks that are kept to be
+    // used again; then as often as the sink says so. The texts that a sink drops become such blocks: they are
+    // given back after each of its answers. Null when the sink gives up or there is none. With the lock held.
     template <class Request>
     auto retry(Request request) {
         const RefusedRequest refused(refused_);
-        decltype(request()) answer = nullptr;
-        for (unsigned attempt = 0; answer == nullptr && ask_sink(attempt); ++attempt)
-            answer = request();
+        auto answer = request();
+        if (answer == nullptr && give_back_recycled()) answer = request();
+        for (unsigned attempt = 0; answer == nullptr; ++attempt) {
+            const bool again = ask_sink(attempt);
+            if (give_back_recycled() || again) answer = request();
+            if (!again) break;
+        }
         return answer;
     }
+
+    // The blocks in front of the default heap, which are given back when memory runs out.
+    void set_recycled(BlockCache* blocks) noexcept { recycled_ = blocks; }
 
     void install_sink(ILowMemoryNotifySink* sink); // throws CXException when one is installed
     unsigned budget() const noexcept { return budget_; }
@@ -89,7 +114,16 @@ private:
         bool outer_;
     };
 
+    template <class Request>
+    [[gnu::noinline]] void* obtain_again(Request request) {
+        const std::lock_guard guard(lock_);
+        void* const memory = retry(request);
+        if (memory == nullptr) throw CXMemException();
+        return memory;
+    }
+
     bool ask_sink(unsigned attempt);
+    bool give_back_recycled() noexcept; // whether there were any
 
     static constexpr unsigned kDefaultHeaps = 1;
 
@@ -101,6 +135,7 @@ private:
     NativeLock lock_;
     unsigned budget_ = 0;
     ILowMemoryNotifySink* sink_ = nullptr;
+    BlockCache* recycled_ = nullptr;
     Activity activity_;
 };
 

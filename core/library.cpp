@@ -41,7 +41,9 @@ alignas(Process) constinit std::byte library_storage[sizeof(Process)] = {};
 
 Library::Library()
     : module(module_around(reinterpret_cast<const void*>(&start_library))),
-      service_container("CLSID_OFSERVICECONTAINER", module) {}
+      service_container("CLSID_OFSERVICECONTAINER", module) {
+    heaps.set_recycled(&blocks);
+}
 
 bool start_library() noexcept {
     try {

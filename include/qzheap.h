@@ -42,8 +42,12 @@ public:
     /// Called with the heap lock held: it must not wait for another thread that allocates. The call that ran
     /// out of memory is still under way, so strings, trees and other objects that it works on must stay as
     /// they are.
+    ///
+    /// A request was refused twice by then, the second time without the blocks that the library keeps to use
+    /// again. Those that the sink adds to them, by letting go of texts, are given back after each call.
     /// @param attempt 0 at the first refusal of a request, then one more each time
-    /// @return non-zero when memory was released and the request is to be tried again
+    /// @return non-zero when memory was released and the request is to be tried again; after 0 it is tried
+    ///         once more only if blocks were given back
     virtual int OnLowMemory(unsigned attempt) = 0;
 
 protected:
@@ -66,7 +70,8 @@ QZR_API IHeap* new_MemoryHeap(unsigned long long size);
 QZR_API void Mem_SetLowMemoryNotifySink(ILowMemoryNotifySink* sink);
 
 /// Copies the cumulative counters: bytes requested (headers included), and the low 32 bits of the number of
-/// allocations, frees, reallocations (two each) and heap creations. Either pointer may be null.
+/// allocations, frees, reallocations (two each) and heap creations; memory streams count as blocks of their
+/// size, however large. Either pointer may be null.
 QZR_API void Get_CoreActivity(unsigned long long* bytes, unsigned int* ops);
 
 /// A word for the modules of an application to share; the library neither reads nor writes it.

@@ -1,8 +1,7 @@
 #include "stream/block_storage.h"
 
 #include "core/allocator.h"
-#include "core/windows_lean.h"
-#include "qzexception.h"
+#include "core/library.h"
 
 #include <cstring>
 
@@ -17,11 +16,34 @@ constexpr std::size_t kMostInHeap = std::size_t{256} << 10;
 constexpr std::size_t kFirstReservation = std::size_t{256} << 20;
 constexpr std::size_t kLastReservation = std::size_t{4} << 30;
 
-void* reserve(std::size_t bytes) { return VirtualAlloc(nullptr, bytes, MEM_RESERVE, PAGE_NOACCESS); }
+void* reserve(std::size_t bytes) noexcept { return VirtualAlloc(nullptr, bytes, MEM_RESERVE, PAGE_NOACCESS); }
 
-bool commit(void* p, std::size_t bytes) {
-    return VirtualAlloc(p, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+void* commit(void* space, std::size_t bytes) noexcept {
+    return VirtualAlloc(space, bytes, MEM_COMMIT, PAGE_READWRITE);
 }
+
+// Reserves `reserved` bytes, or what is asked for when the process is short of address space, and commits the
+// first ones. @return null when the system refuses
+void* reserve_and_commit(std::size_t& reserved, std::size_t bytes) noexcept {
+    std::size_t size = reserved;
+    void* space = reserve(size);
+    if (space == nullptr) space = reserve(size = bytes);
+    if (space == nullptr) return nullptr;
+    if (commit(space, bytes) == nullptr) {
+        VirtualFree(space, 0, MEM_RELEASE);
+        return nullptr;
+    }
+    reserved = size;
+    return space;
+}
+
+// Such memory is asked for, and counted, as if the heap gave it.
+template <class Request>
+unsigned char* obtain(std::size_t bytes, Request request) {
+    return static_cast<unsigned char*>(library().heaps.obtain(bytes + CHeap::kOverhead, request));
+}
+
+void count_free() noexcept { library().heaps.activity().count_free(); }
 
 } // namespace
 
@@ -31,23 +53,15 @@ BlockStorage::BlockStorage(std::size_t bytes) {
         data_ = static_cast<unsigned char*>(mem_alloc(bytes));
         return;
     }
-    reserved_ = bytes <= kFirstReservation ? kFirstReservation : kLastReservation;
-    void* space = reserve(reserved_);
-    if (space == nullptr) { // a process short of address space still gets what it asked for
-        reserved_ = bytes;
-        space = reserve(bytes);
-    }
-    if (space == nullptr) throw CXMemException();
-    if (!commit(space, bytes)) {
-        VirtualFree(space, 0, MEM_RELEASE);
-        throw CXMemException();
-    }
-    data_ = static_cast<unsigned char*>(space);
+    std::size_t reserved = bytes <= kFirstReservation ? kFirstReservation : kLastReservation;
+    data_ = obtain(bytes, [&]() noexcept { return reserve_and_commit(reserved, bytes); });
+    reserved_ = reserved;
 }
 
 BlockStorage::~BlockStorage() {
     if (reserved_ != 0) {
         VirtualFree(data_, 0, MEM_RELEASE);
+        count_free();
     } else {
         mem_free(data_);
     }
@@ -55,7 +69,8 @@ BlockStorage::~BlockStorage() {
 
 void BlockStorage::grow(std::size_t bytes, std::size_t used) {
     if (bytes <= reserved_) {
-        if (!commit(data_, bytes)) throw CXMemException();
+        obtain(bytes, [&]() noexcept { return commit(data_, bytes); });
+        count_free(); // what it grew out of
         return;
     }
     BlockStorage larger(bytes);

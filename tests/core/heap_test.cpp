@@ -2,6 +2,8 @@
 #include "qzexception.h"
 #include "qzheap.h"
 #include "qzref.h"
+#include "qzstream.h"
+#include "qzstring.h"
 #include "support/file_failure.h"
 #include "support/import_mock.h"
 
@@ -12,7 +14,10 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <latch>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <windows.h>
@@ -224,6 +229,110 @@ TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
         sink.attempts.clear();
         EXPECT_THROW(heap->Alloc(size), CXMemException);
         EXPECT_EQ(sink.attempts, (std::vector<unsigned>{0, 1, 2}));
+    }
+}
+
+// Both are refused before either asks the sink, which can make room only once.
+std::atomic<bool> full{false};
+std::latch* both_refused = nullptr;
+thread_local bool refused_before = false;
+
+void* WINAPI alloc_unless_full(HANDLE heap, DWORD flags, SIZE_T size) {
+    if (!full) return HeapAlloc(heap, flags, size);
+    if (!std::exchange(refused_before, true)) both_refused->arrive_and_wait();
+    return nullptr;
+}
+
+TEST(LowMemory, RoomThatOneThreadsSinkMadeServesTheOther) {
+    const auto heap = make_heap();
+    LowMemorySink& sink = LowMemorySink::installed();
+    sink.retries = 1;
+    sink.meanwhile = [] { full = false; };
+    std::latch latch(2);
+    both_refused = &latch;
+    const ImportMock mock("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&alloc_unless_full));
+    full = true;
+    const auto request = [&] { EXPECT_NO_THROW(heap->Alloc(1)); };
+    std::thread other(request);
+    request();
+    other.join();
+    EXPECT_EQ(sink.attempts, std::vector<unsigned>{0});
+}
+
+std::atomic<bool> freed{false};
+
+void* WINAPI alloc_once_freed(HANDLE heap, DWORD flags, SIZE_T size) {
+    return freed ? HeapAlloc(heap, flags, size) : nullptr;
+}
+BOOL WINAPI note_free(HANDLE heap, DWORD flags, LPVOID block) {
+    freed = true;
+    return HeapFree(heap, flags, block);
+}
+
+// Blocks of texts are kept for the next text; none of them may be missing when memory runs out.
+TEST(LowMemory, TextsThatWereLetGoAreMemory) {
+    const struct {
+        bool dropped_before, asked_elsewhere;
+    } rows[] = {{false, false}, {false, true}, {true, false}, {true, true}};
+    const auto heap = make_heap();
+    LowMemorySink& sink = LowMemorySink::installed();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.dropped_before << row.asked_elsewhere);
+        std::vector<CXString> texts;
+        for (int i = 0; i < 1000; ++i)
+            texts.emplace_back(std::string(80, 'x').c_str());
+        if (row.dropped_before) texts.clear();
+        sink.attempts.clear();
+        sink.retries = 0; // what it dropped is found even so
+        sink.meanwhile = [&] { texts.clear(); };
+        const ImportMock alloc("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&alloc_once_freed));
+        const ImportMock free("qzrcore.dll", "HeapFree", reinterpret_cast<void*>(&note_free));
+        freed = false;
+        const auto request = [&] { EXPECT_NO_THROW(heap->Alloc(10'000)); };
+        if (row.asked_elsewhere) {
+            std::thread(request).join();
+        } else {
+            request();
+        }
+        EXPECT_EQ(sink.attempts.size(), row.dropped_before ? 0u : 1u);
+    }
+}
+
+bool space_refused = false;
+
+void* WINAPI commit_or_refuse(void* place, SIZE_T bytes, DWORD type, DWORD protection) {
+    return space_refused ? nullptr : VirtualAlloc(place, bytes, type, protection);
+}
+
+// Large memory streams lie outside the heap.
+TEST(LowMemory, LargeStreamsAskTheSinkAndAreCounted) {
+    constexpr unsigned kMiB = 1u << 20;
+    const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
+    const auto block = CQZRef<IMemBlock>::Require(stream.Get());
+    LowMemorySink& sink = LowMemorySink::installed();
+    sink.meanwhile = [] { space_refused = false; };
+    const ImportMock mock("qzrcore.dll", "VirtualAlloc", reinterpret_cast<void*>(&commit_or_refuse));
+    const struct {
+        std::function<void()> request;
+        unsigned bytes, operations;
+    } rows[] = {{[&] { block->SetData(nullptr, kMiB); }, kMiB + 8, 1},
+                {[&] { stream->Seek(0, 2), stream->WriteDWord(7); }, 3 * kMiB + 8, 2},
+                {[&] { block->SetData(nullptr, 2 * kMiB); }, 2 * kMiB + 8, 2}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.bytes);
+        sink.attempts.clear();
+        sink.retries = 0;
+        space_refused = true;
+        EXPECT_THROW(row.request(), CXMemException);
+        space_refused = true;
+        sink.attempts.clear();
+        sink.retries = 1;
+        const unsigned long long bytes = requested_bytes();
+        const unsigned ops = operations();
+        row.request();
+        EXPECT_EQ(sink.attempts, std::vector<unsigned>{0});
+        EXPECT_EQ(requested_bytes() - bytes, row.bytes);
+        EXPECT_EQ(operations() - ops, row.operations);
     }
 }
 
