@@ -34,6 +34,7 @@ int CQZServiceContainer::GetService(const char* name, IQZUnknown** out) {
 }
 
 int CQZServiceContainer::AddService(const char* name, IQZUnknown* service) {
+    const auto self = CQZRef<IQZServiceContainer>::Share(this);
     if (service == nullptr || m_services.closing() || m_services.find(name) != nullptr) return 0;
     m_services.add(name, service);
     tell(service, &IQZServiceSink::OnServiceAdded);
@@ -42,6 +43,7 @@ int CQZServiceContainer::AddService(const char* name, IQZUnknown* service) {
 
 // The sink is told when the container's reference is no longer counted on, under one of our own.
 int CQZServiceContainer::RemoveService(const char* name) {
+    const auto self = CQZRef<IQZServiceContainer>::Share(this);
     Service* const found = m_services.find(name);
     if (found == nullptr) return 0;
     const CQZRef<IQZUnknown> object = m_services.take(found);
@@ -54,6 +56,7 @@ int CQZServiceContainer::RemoveService(const char* name) {
 // immediate return.
 void CQZServiceContainer::RemoveAllServices() {
     if (m_bRemovingAll) return;
+    const auto self = CQZRef<IQZServiceContainer>::Share(this);
     m_bRemovingAll = true;
     const ScopeExit done([this] { m_bRemovingAll = false; });
 
@@ -75,6 +78,16 @@ void CQZServiceContainer::tell(IQZUnknown* service, Event event) {
     if (sink) ((*sink).*event)(this);
 }
 
+namespace {
+
+class ServiceContainerObject final : public CQZAggObject<CQZServiceContainer> {
+public:
+    using CQZAggObject::CQZAggObject;
+    ~ServiceContainerObject() override { Contained().close(); }
+};
+
+} // namespace
+
 } // namespace qzr
 
 int CLSID_OFSERVICECONTAINER(IQZUnknown* outer, const std::type_info& iid, IQZUnknown** out) {
@@ -83,7 +96,7 @@ int CLSID_OFSERVICECONTAINER(IQZUnknown* outer, const std::type_info& iid, IQZUn
         if (out != nullptr) *out = nullptr;
         return 0;
     }
-    auto* const made = new (std::nothrow) CQZAggObject<qzr::CQZServiceContainer>(outer);
+    auto* const made = new (std::nothrow) qzr::ServiceContainerObject(outer);
     if (made == nullptr) throw CXMemException();
     const int result = made->QueryInterface(iid, out);
     made->Release();

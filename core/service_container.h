@@ -7,7 +7,7 @@
 namespace qzr {
 
 // Lives only inside CQZAggObject, which implements the root operations. Sinks may change the container while
-// they are being told; only its last reference they must not release.
+// they are being told, and give it up: a call that tells them holds a reference of its own.
 class CQZServiceContainer : public IQZServiceContainer {
 public:
     using Interface = IQZServiceContainer;
@@ -18,6 +18,10 @@ public:
     int AddService(const char* name, IQZUnknown* service) override;
     int RemoveService(const char* name) override;
     void RemoveAllServices() override;
+
+    // Releases the services for good, untold. From then on the container answers as an empty one. To be
+    // called while the root operations still work, since a service's destructor may use the container.
+    void close() noexcept { m_services.close(); }
 
 protected:
     CQZServiceContainer() = default;

@@ -17,9 +17,10 @@ Service::Service(const char* service_name, IQZUnknown* service)
     : name(mem_dup(service_name, std::strlen(service_name) + 1)),
       object(CQZRef<IQZUnknown>::Share(service)) {}
 
-ServiceMap::~ServiceMap() {
+void ServiceMap::close() noexcept {
     services_.set_closing();
-    for (ServiceCursor* cursor = cursors_; cursor != nullptr; cursor = cursor->next_cursor_)
+    for (ServiceCursor* cursor = std::exchange(cursors_, nullptr); cursor != nullptr;
+         cursor = cursor->next_cursor_)
         cursor->map_ = nullptr;
     clear();
     free_retired();

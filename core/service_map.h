@@ -23,7 +23,7 @@ public:
     static constexpr unsigned kBuckets = 127;
 
     ServiceMap() = default;
-    ~ServiceMap(); // stops all cursors and releases the services
+    ~ServiceMap() { close(); }
     ServiceMap(const ServiceMap&) = delete;
     ServiceMap& operator=(const ServiceMap&) = delete;
 
@@ -40,7 +40,8 @@ public:
     Service* first() const noexcept { return services_.first(); }
     Service* next(const Service* service) const noexcept { return services_.next(service); }
 
-    // Nothing is added any more once the map's owner is being destroyed.
+    // Stops all cursors and releases the services; the map stays empty.
+    void close() noexcept;
     bool closing() const noexcept { return services_.closing(); }
 
 private:

@@ -74,7 +74,8 @@ public:
     /// Adds one to the count. @return the new count
     virtual unsigned InternalAddRef();
 
-    /// Takes one from the count and deletes the object at zero. @return the new count
+    /// Takes one from the count and deletes the object at zero; the count is held at one meanwhile, so that
+    /// objects that the destructor lets go of may count this one. @return the new count
     virtual unsigned InternalRelease();
 
     /// Answers this object for IQZUnknown and for I.
@@ -117,7 +118,10 @@ unsigned CQZUnknownImpl<I>::InternalAddRef() {
 template <class I>
 unsigned CQZUnknownImpl<I>::InternalRelease() {
     const unsigned left = --m_cRef;
-    if (left == 0) delete this;
+    if (left == 0) {
+        m_cRef = 1; // what the destructor lets go of may count this object once more
+        delete this;
+    }
     return left;
 }
 
@@ -180,9 +184,14 @@ public:
     /// Adds a reference. @return the count as it was before: unlike every other object, and relied upon
     unsigned AddRef() override { return m_cRef++; }
 
+    /// Gives up a reference; at zero the object is destroyed. Until the destructors are through the count is
+    /// held at one, so that objects that are let go of may count this one. @return the new count
     unsigned Release() override {
         const unsigned left = --m_cRef;
-        if (left == 0) delete this;
+        if (left == 0) {
+            m_cRef = 1;
+            delete this;
+        }
         return left;
     }
 
@@ -208,6 +217,11 @@ public:
 
     CQZAggObject(const CQZAggObject&) = delete;
     CQZAggObject& operator=(const CQZAggObject&) = delete;
+
+protected:
+    /// @return the object within: for a derived class's destructor, which may have it let go of others while
+    ///         all of its operations still answer
+    T& Contained() noexcept { return m_contained; }
 
 private:
     unsigned m_cRef;

@@ -50,7 +50,11 @@ std::vector<std::string> names_in(IQZServiceContainer& container) {
 class Sink : public IQZServiceSink {
 public:
     unsigned AddRef() override { return ++references; }
-    unsigned Release() override { return --references; }
+    unsigned Release() override {
+        const unsigned left = --references;
+        when_released();
+        return left;
+    }
     int QueryInterface(const std::type_info& iid, IQZUnknown** out) override {
         const bool known = iid == typeid(IQZUnknown) || iid == typeid(IQZServiceSink);
         if (out != nullptr) *out = known ? this : nullptr;
@@ -63,6 +67,7 @@ public:
     unsigned references = 1; // the test's own
     int added = 0, removed = 0;
     std::function<void(IQZServiceContainer&)> when_added = [](auto&) {}, when_removed = when_added;
+    std::function<void()> when_released = [] {};
 };
 
 // Bytes count as signed numbers.
@@ -214,6 +219,37 @@ TEST(ServiceSink, MayChangeTheContainerWhileAllAreRemoved) {
     EXPECT_EQ(late.removed, 0);
     EXPECT_THAT(names_in(*container), IsEmpty());
     EXPECT_EQ(first.references + second.references + late.references + plain.references, 4u);
+}
+
+TEST(ServiceSink, MayUseTheContainerWhileThatGoes) {
+    Sink sink;
+    auto container = make_container();
+    container->AddService("a", &sink);
+    sink.when_released = [&, raw = container.Get()] {
+        sink.when_released = [] {};
+        const auto counted = CQZRef<IQZServiceContainer>::Share(raw);
+        EXPECT_TRUE(CQZRef<IQZServiceContainer>::Query(raw));
+        EXPECT_EQ(raw->GetService("a", nullptr), 0);
+        EXPECT_EQ(raw->AddService("b", &sink), 0);
+        EXPECT_EQ(raw->RemoveService("a"), 0);
+        raw->RemoveAllServices();
+        IQZUnknown* walk = nullptr;
+        EXPECT_EQ(raw->EnumServiceNames(&walk), 0);
+    };
+    container.Reset();
+    EXPECT_EQ(sink.references, 1u);
+}
+
+TEST(ServiceSink, MayGiveUpTheContainerWhileItIsTold) {
+    Sink first, second;
+    auto container = make_container();
+    container->AddService("s599", &first);
+    container->AddService("s677", &second);
+    first.when_removed = [&](IQZServiceContainer&) { container.Reset(); };
+    container->RemoveAllServices();
+    EXPECT_FALSE(container);
+    EXPECT_EQ(second.removed, 1) << "the call goes on to its end";
+    EXPECT_EQ(first.references + second.references, 2u);
 }
 
 TEST(ServiceSink, ThatThrowsLeavesTheContainerUsable) {
