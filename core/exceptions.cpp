@@ -12,6 +12,27 @@ namespace {
 constexpr unsigned kNameBuffers = 4;
 constinit wchar_t names[kNameBuffers][QZR_EXCEPTION_NAME_UNITS] = {};
 
+// How many exceptions show each of them.
+constinit std::atomic<int> shown[kNameBuffers] = {};
+
+// Null for a name that the program put in place of ours.
+std::atomic<int>* count_of(const wchar_t* name) {
+    for (unsigned i = 0; i < kNameBuffers; ++i)
+        if (name == names[i]) return &shown[i];
+    return nullptr;
+}
+
+const wchar_t* share(const wchar_t* name) {
+    if (std::atomic<int>* const count = count_of(name)) ++*count;
+    return name;
+}
+
+// Frees the buffer when nobody shows it any more.
+void give_up(const wchar_t* name) {
+    std::atomic<int>* const count = count_of(name);
+    if (count != nullptr && --*count == 0) const_cast<wchar_t*>(name)[0] = L'\0';
+}
+
 // The first free buffer, else the first one. Storing the name's first unit is what takes a buffer, so an
 // empty name takes none for good; done in one step, two threads that throw at once get different ones.
 wchar_t* take_buffer(wchar_t first) {
@@ -46,14 +67,25 @@ CXMemException::CXMemException() noexcept : CXException(QZERR_MEMORY) {}
 CXMemException::~CXMemException() = default;
 
 CXFileException::CXFileException(unsigned code, unsigned operation, const wchar_t* fileName) noexcept
-    : CXException(code), m_pszFileName(keep_name(fileName)), m_nOperation(operation) {}
+    : CXException(code), m_pszFileName(share(keep_name(fileName))), m_nOperation(operation) {}
 
-CXFileException::CXFileException(const CXFileException& other) noexcept = default;
+CXFileException::CXFileException(const CXFileException& other) noexcept
+    : CXException(other), m_pszFileName(share(other.m_pszFileName)), m_nOperation(other.m_nOperation) {}
 
-CXFileException& CXFileException::operator=(const CXFileException& other) noexcept = default;
+CXFileException& CXFileException::operator=(const CXFileException& other) noexcept {
+    const wchar_t* const former = m_pszFileName;
+    CXException::operator=(other);
+    m_pszFileName = share(other.m_pszFileName);
+    m_nOperation = other.m_nOperation;
+    give_up(former);
+    return *this;
+}
 
 // Any copy's end frees the buffer, though others may still point there.
-CXFileException::~CXFileException() { const_cast<wchar_t*>(m_pszFileName)[0] = L'\0'; }
+CXFileException::~CXFileException() {
+    give_up(m_pszFileName);
+    const_cast<wchar_t*>(m_pszFileName)[0] = L'\0';
+}
 
 CXIFaceException::CXIFaceException(const std::type_info& iid) noexcept
     : CXException(QZERR_INTERFACE), m_pIid(&iid) {}

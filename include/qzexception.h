@@ -82,8 +82,10 @@ public:
     /// @param operation one of QZFileOperation
     /// @param fileName  the file, stream or storage; null leaves the chosen buffer as it is
     CXFileException(unsigned code, unsigned operation, const wchar_t* fileName) noexcept;
-    CXFileException(const CXFileException& other) noexcept;            ///< shares the name
-    CXFileException& operator=(const CXFileException& other) noexcept; ///< shares the name
+    CXFileException(const CXFileException& other) noexcept; ///< shares the name
+    /// Gives up its own name, whose buffer is free again when no other exception shows it, and shares the
+    /// other's.
+    CXFileException& operator=(const CXFileException& other) noexcept;
     ~CXFileException() override;
 
     const wchar_t* m_pszFileName; ///< never null; ends with a zero within the buffer

@@ -103,6 +103,21 @@ TEST(ExceptionName, CopiesShareAndAnyOfThemFrees) {
     EXPECT_STREQ(original.m_pszFileName, L"");
 }
 
+TEST(ExceptionName, AssigningGivesUpTheOldOne) {
+    auto e = failure(L"old");
+    const auto copy = e;
+    for (int i = 0; i < 4; ++i)
+        e = failure(L"temporary");
+    EXPECT_STREQ(copy.m_pszFileName, L"old") << "somebody shows it still";
+    const auto a = failure(L"a"), b = failure(L"b");
+    EXPECT_STREQ(a.m_pszFileName, L"a");
+    EXPECT_STREQ(b.m_pszFileName, L"b");
+    e = b;
+    EXPECT_EQ(e.m_pszFileName, b.m_pszFileName);
+    e = *&e;
+    EXPECT_STREQ(e.m_pszFileName, L"b");
+}
+
 TEST(ExceptionName, StaysTerminatedWhenThreadsThrowAtOnce) {
     std::vector<std::thread> threads;
     std::vector<int> too_long(8);
