@@ -1,5 +1,6 @@
 #include "string/multibyte.h"
 
+#include "core/windows_lean.h"
 #include "string/scan.h"
 
 #include <atomic>
@@ -20,16 +21,15 @@ struct KnownPage {
 };
 constinit KnownPage known_pages[8];
 
-LeadBytes ask_runtime(std::uint64_t (&bits)[2]) {
-    for (unsigned c = 0x80; c <= 0xFF; ++c)
-        if (_ismbblead(c)) bits[(c >> 6) & 1] |= std::uint64_t{1} << (c & 63);
-    return {bits[0], bits[1]};
-}
-
-// The runtime names the page also when it is a single-byte one, so the answer is in its lead bytes alone.
+// From the system, which is told the page. The runtime has the same lead bytes, but only those of its current
+// page: another thread may change that between the question for its number and the one for its bytes.
 LeadBytes learn(int page) {
     std::uint64_t bits[2] = {0, 0};
-    const LeadBytes leads = ask_runtime(bits);
+    CPINFO info = {};
+    if (GetCPInfo(static_cast<UINT>(page), &info) == FALSE) return {};
+    for (int i = 0; i + 1 < MAX_LEADBYTES && info.LeadByte[i] != 0; i += 2)
+        for (unsigned c = info.LeadByte[i]; c <= info.LeadByte[i + 1]; ++c)
+            bits[(c >> 6) & 1] |= std::uint64_t{1} << (c & 63);
     for (KnownPage& entry : known_pages) {
         int found = kFree;
         if (!entry.page.compare_exchange_strong(found, kBeingFilled)) {
@@ -41,7 +41,7 @@ LeadBytes learn(int page) {
         entry.page.store(page, std::memory_order_release);
         break;
     }
-    return leads;
+    return {bits[0], bits[1]};
 }
 
 // Occurrences of one byte that start a character.

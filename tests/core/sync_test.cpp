@@ -5,7 +5,9 @@
 #include "qzexception.h"
 #include "qzheap.h"
 #include "qzref.h"
+#include "qzstring.h"
 #include "support/child_process.h"
+#include "support/import_mock.h"
 #include "support/limited_memory.h"
 #include "support/open_handles.h"
 
@@ -257,6 +259,15 @@ TEST(Thread, StartsAndWaitsForItsSignalForOneSecondAtMost) {
         CloseHandle(thread);
         handles.end_round();
     }
+}
+
+int page_932() { return 932; }
+
+// The page is another one by the time that its lead bytes are asked for: they are those of the page all the
+// same, since they are kept for the rest of the process.
+TEST(CodePage, LeadBytesAreThoseOfThePageThatWasMet) {
+    const ImportMock mock("qzrcore.dll", "_getmbcp", reinterpret_cast<void*>(&page_932));
+    EXPECT_EQ(CXString("\x81\x41").GetLength(), 1u);
 }
 
 } // namespace
