@@ -8,17 +8,24 @@ qzr::ObjectRegistry* registry() { return qzr::ObjectRegistry::is_open() ? &qzr::
 
 const char* text_of(const char* name) { return name != nullptr ? name : ""; }
 
+// Registrars have static storage: what they throw would end the program before it begins. So every failure is
+// a 0, and nobody is told the text of a missing file.
+template <class From>
+int add(const char* name, From from) noexcept {
+    qzr::ObjectRegistry* const objects = registry();
+    if (objects == nullptr) return 0;
+    try {
+        return objects->add(text_of(name), from);
+    } catch (...) {
+        return 0;
+    }
+}
+
 } // namespace
 
-int RegisterObject(const char* name, const char* dllpath) {
-    qzr::ObjectRegistry* const objects = registry();
-    return objects != nullptr ? objects->add(text_of(name), text_of(dllpath)) : 0;
-}
+int RegisterObject(const char* name, const char* dllpath) { return add(name, text_of(dllpath)); }
 
-int RegisterObject(const char* name, HINSTANCE module) {
-    qzr::ObjectRegistry* const objects = registry();
-    return objects != nullptr ? objects->add(text_of(name), module) : 0;
-}
+int RegisterObject(const char* name, HINSTANCE module) { return add(name, module); }
 
 int UnregisterObject(const char* name) {
     qzr::ObjectRegistry* const objects = registry();

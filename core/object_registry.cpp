@@ -32,15 +32,11 @@ ObjectRegistry::~ObjectRegistry() {
 int ObjectRegistry::add(const char* name, const char* dllpath) {
     const unsigned hash = hash_text(name);
     if (entries_.find(hash) != nullptr) return 1;
-    try {
-        BlockPtr<CRegistryEntry> entry(block_new<CRegistryEntry>());
-        entry->path = find_module_file(dllpath);
-        entry->export_name = CXString(name);
-        entries_.insert(entry.get(), hash);
-        static_cast<void>(entry.release());
-    } catch (const CXString&) {
-        return 0; // nobody is told the text
-    }
+    BlockPtr<CRegistryEntry> entry(block_new<CRegistryEntry>());
+    entry->path = find_module_file(dllpath);
+    entry->export_name = CXString(name);
+    entries_.insert(entry.get(), hash);
+    static_cast<void>(entry.release());
     return 1;
 }
 

@@ -29,6 +29,8 @@ public:
     // False before start-up and from unload on, whether or not there is a registry to ask.
     static bool is_open() noexcept { return open_; }
 
+    // Throw CXMemException, and the former the system's message for a file that is not there; nothing is
+    // registered then.
     int add(const char* name, const char* dllpath);
     int add(const char* name, HINSTANCE module);
     int remove(const char* name) noexcept;

@@ -30,12 +30,21 @@ CQZRef<IPersistXStream> stand_in(const char* name, unsigned length) {
     return CQZRef<IPersistXStream>::Adopt(proxy);
 }
 
-// An object of the class, without its data. A class that is registered but cannot be made counts as unknown.
+// An object of the class, without its data. A class that is registered but cannot be made counts as unknown;
+// what its factory stored all the same is its own business, unless it throws: then the object is ours.
 CQZRef<IPersistXStream> make_object(const char* name, unsigned length) {
-    IQZUnknown* made = nullptr;
-    const int result = CreateObject(name, nullptr, typeid(IPersistXStream), &made);
-    if (result == 0 || made == nullptr) return stand_in(name, length);
-    return CQZRef<IPersistXStream>::Adopt(static_cast<IPersistXStream*>(made));
+    CQZRef<IQZUnknown> made;
+    const int result = CreateObject(name, nullptr, typeid(IPersistXStream), made.Put());
+    IQZUnknown* const object = made.Detach();
+    if (result == 0 || object == nullptr) return stand_in(name, length);
+    return CQZRef<IPersistXStream>::Adopt(static_cast<IPersistXStream*>(object));
+}
+
+// What a record begins with. A reader takes the empty name for the null object, so an object without a name
+// is stored, and measured, as that.
+const char* name_of(IPersistXStream* object) {
+    const char* const name = object != nullptr ? object->GetClassName() : nullptr;
+    return name != nullptr ? name : "";
 }
 
 } // namespace
@@ -44,11 +53,9 @@ CQZRef<IPersistXStream> make_object(const char* name, unsigned length) {
 
 // The length is what Save really wrote, whatever the object says of its size, and is put in place afterwards.
 int WriteObjectToXStream(IXStream* stream, IPersistXStream* obj) {
-    if (obj == nullptr) {
-        stream->WriteString("");
-        return 1;
-    }
-    stream->WriteString(obj->GetClassName());
+    const char* const name = qzr::name_of(obj);
+    stream->WriteString(name);
+    if (*name == 0) return 1;
     stream->WriteDWord(0);
     const unsigned begin = qzr::position_of(*stream);
     obj->Save(stream);
@@ -70,8 +77,9 @@ int ReadObjectFromXStream(IXStream* stream, IQZUnknown** out) {
 }
 
 unsigned SizeOfObject(IPersistXStream* obj) {
-    if (obj == nullptr) return 1;
-    return static_cast<unsigned>(std::strlen(obj->GetClassName())) + 5 + obj->GetSizeMax();
+    const char* const name = qzr::name_of(obj);
+    if (*name == 0) return 1;
+    return static_cast<unsigned>(std::strlen(name)) + 5 + obj->GetSizeMax();
 }
 
 // Does not look for the empty name: of a null record the four bytes behind it are taken for a length. Callers

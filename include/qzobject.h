@@ -25,11 +25,12 @@ typedef int (*QZObjectFactory)(IQZUnknown* outer, const std::type_info& iid, IQZ
 /// Names are matched by a 32-bit hash alone (h = h * 257 + signed byte): two names with one hash are one
 /// registration. A null name counts as the empty one.
 /// @return 1; also 1, changing nothing and without looking at the path, when the name is taken;
-///         0 when the file is not found. Throws nothing but CXMemException.
+///         0 when the file is not found or memory is refused. Throws nothing.
 QZR_API int RegisterObject(const char* name, const char* dllpath);
 
 /// Registers a class whose factory a loaded module exports under the class's name.
-/// @return 1; also 1, changing nothing, when the name is taken; 0 when there is no such export
+/// @return 1; also 1, changing nothing, when the name is taken; 0 when there is no such export or memory is
+///         refused. Throws nothing.
 QZR_API int RegisterObject(const char* name, HINSTANCE module);
 
 /// Takes a registration out. The module stays loaded. @return 1, or 0 when there was none and during unload
@@ -51,10 +52,19 @@ QZR_API int CreateObject(const char* name, IQZUnknown* outer, const std::type_in
 extern "C" QZR_API int CreateObjectC(const char* name, IQZUnknown* outer, const std::type_info& iid,
                                      IQZUnknown** out);
 
+/// @cond
+extern const char qzr_module_image __asm__("__ImageBase"); // the linker's, where each module's image begins
+/// @endcond
+
+/// @return the handle of the module that this call is compiled into: the program or a DLL
+inline HINSTANCE QZThisModule() { return reinterpret_cast<HINSTANCE>(const_cast<char*>(&qzr_module_image)); }
+
 /// Registers a class as long as it lives. A module defines one per class with static storage:
 /// @code
-/// static CQZObjectRegistrar registrar("MyShape", module_handle());
+/// static CQZObjectRegistrar registrar("MyShape", QZThisModule());
 /// @endcode
+/// Should the name be taken when the module is loaded, because the program registered it by path, say, then
+/// that registration stays; but it goes, too, when the module is freed and the registrar ends.
 class CQZObjectRegistrar {
 public:
     /// @param name   a text that outlives the registrar, such as a literal
@@ -76,10 +86,21 @@ protected:
     ~IPersistX() = default;
 };
 
-/// An object that saves itself into a stream.
-#if defined(GetClassName) // a macro of the platform's window header
+// The platform's window header makes GetClassName a macro, and with it another function of every class that
+// is written below it. So the header is brought in here, where its turn is over before anything of ours or of
+// a program's is named, and what the macro stood for becomes functions: programs call them as ever.
+/// @cond
+#if !defined(NOUSER)
+#include <winbase.h>
+#include <wingdi.h>
+#include <winuser.h>
 #undef GetClassName
+inline int GetClassName(HWND window, LPSTR name, int size) { return GetClassNameA(window, name, size); }
+inline int GetClassName(HWND window, LPWSTR name, int size) { return GetClassNameW(window, name, size); }
 #endif
+/// @endcond
+
+/// An object that saves itself into a stream.
 class IPersistXStream : public IPersistX {
 public:
     /// @return the name under which the class is registered, at most 259 bytes, without line feed; it
@@ -97,8 +118,9 @@ protected:
 };
 
 /// Writes one record: the class name with its terminator, the data's length (32 bits), the data. The stream
-/// must be seekable; the length is what Save really wrote. A null object is a single zero byte.
-/// @return 1. Throws what the stream throws.
+/// must be seekable; the length is what Save really wrote. A null object is a single zero byte, and so is one
+/// whose class name is empty or null.
+/// @return 1. Throws what the stream and the object throw.
 QZR_API int WriteObjectToXStream(IXStream* stream, IPersistXStream* obj);
 
 /// Reads one record and creates the object by its class name. When the class is not registered, or cannot be
@@ -107,7 +129,8 @@ QZR_API int WriteObjectToXStream(IXStream* stream, IPersistXStream* obj);
 /// @param out receives the object's IQZUnknown with one reference for the caller, or null
 /// @return 1; 0 for the null record
 /// Throws CXEofException in a record cut short; CXException QZERR_LENGTH when the data of an unknown class
-/// would reach past the end of the stream. Nothing leaks then.
+/// would reach past the end of the stream; and what the class's factory and its Load throw. The object is
+/// released then, also one that a factory stored before it threw.
 QZR_API int ReadObjectFromXStream(IXStream* stream, IQZUnknown** out);
 
 /// @return the size of the record by what the object says of itself, in bytes; 1 for null
@@ -136,6 +159,10 @@ public:
     /// @return 1, or 0 when the name is taken or service is null
     virtual int AddService(const char* name, IQZUnknown* service) = 0;
     /// Removes a service and tells it when it is an IQZServiceSink. @return 1, or 0 when there is none
+    ///
+    /// This call, AddService and RemoveAllServices hold a reference on the container until they return, so a
+    /// sink may give up the last one of others. The container's own end releases the services untold; while
+    /// it goes on, the container answers them as an empty one.
     virtual int RemoveService(const char* name) = 0;
     /// Tells every service that is a sink, then removes them all.
     virtual void RemoveAllServices() = 0;

@@ -1,4 +1,6 @@
 // What crosses between modules: objects made by plug-ins, exceptions in both directions, ids of interfaces.
+#include <windows.h> // before the library's headers here, behind them in the plug-in
+
 #include "plugins/plugin_refuses/plugin_failure.h"
 #include "qzcore.h"
 #include "qzref.h"
@@ -9,9 +11,6 @@
 #include <cstring>
 #include <string>
 #include <utility>
-
-#include <windows.h>
-#undef GetClassName
 
 namespace {
 
@@ -130,6 +129,17 @@ TEST(Boundary, ExceptionsOfTheLibraryAreCaughtByTypeInOtherModules) {
     const auto bad_seek = [] { CQZRef<IXStream>::Adopt(new_StreamOnMemory())->Seek(0, 3); };
     EXPECT_EQ(failure_of([&] { rethrows(bad_seek); }),
               failure(QZERR_SEEK_ORIGIN, QZOP_SEEK, L"Memory stream"));
+}
+
+TEST(Boundary, TheSystemsGetClassNameIsThereInEitherOrderOfIncludes) {
+    const LoadedModule plugin("plugin_good.dll");
+    auto* const of_plugin = export_of<int(HWND, char*, int)>(plugin.handle, "plugin_window_class");
+    char here[100] = {}, there[100] = {};
+    wchar_t wide[100] = {};
+    const HWND desktop = GetDesktopWindow();
+    EXPECT_EQ(GetClassName(desktop, here, 100), of_plugin(desktop, there, 100));
+    EXPECT_STREQ(here, there);
+    EXPECT_EQ(GetClassName(desktop, wide, 100), static_cast<int>(wcslen(wide)));
 }
 
 TEST(Boundary, InterfaceIdsOfOtherModulesMatch) {

@@ -15,8 +15,6 @@
 
 #include <windows.h>
 
-#undef GetClassName // a macro of the platform header, a member of IPersistXStream
-
 namespace stream_contract {
 
 // What ReadVariant makes of a stream: "result, type value", or the failure and the record.

@@ -1,4 +1,7 @@
-// Object records in streams.
+// Object records in streams. The platform's header comes first here and last in plug-ins: either order will
+// do.
+#include <windows.h>
+
 #include "contracts/persistent_note.h"
 #include "qzbytes.h"
 #include "qzexception.h"
@@ -10,10 +13,6 @@
 
 #include <string>
 
-#include <windows.h>
-
-#undef GetClassName // a macro of the platform header, a member of IPersistXStream
-
 using test::PersistentNote;
 
 extern "C" __declspec(dllexport) int TestNote(IQZUnknown*, const std::type_info& iid, IQZUnknown** out) {
@@ -24,7 +23,8 @@ extern "C" __declspec(dllexport) int TestRefusal(IQZUnknown*, const std::type_in
     return 0;
 }
 
-extern "C" __declspec(dllexport) int TestOutburst(IQZUnknown*, const std::type_info&, IQZUnknown**) {
+extern "C" __declspec(dllexport) int TestOutburst(IQZUnknown*, const std::type_info& iid, IQZUnknown** out) {
+    PersistentNote::create(iid, out);
     throw CXException(4711);
 }
 
@@ -83,6 +83,7 @@ TEST_F(Persistence, RecordsAreNameLengthAndData) {
         {"TestNote", "", true, 0, "'TestNote' 00 00000000", 14},
         {"TestNote", "abc", false, 6, kNote, 23}, // the length is what was written, not what was said
         {"N", "x", false, 0, "'N' 00 02000000 01 'x'", 8},
+        {"", "x", false, 0, "00", 1}, // what a reader would take it for
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.bytes);

@@ -1,7 +1,9 @@
 // The class registry, with classes of a plug-in and of the library itself.
 #include "qzobject.h"
 #include "qzref.h"
+#include "qzstring.h"
 #include "support/file_failure.h"
+#include "support/limited_memory.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +11,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -134,6 +137,27 @@ TEST_F(Registry, FilesThatAreNoModulesGiveNothing) {
     CQZRef<IQZUnknown> object;
     EXPECT_EQ(create("no module", object), 0);
     EXPECT_FALSE(object);
+}
+
+TEST_F(Registry, WithoutMemoryNothingIsRegisteredAndNothingThrown) {
+    const HINSTANCE module = load_plugin();
+    std::vector<CXString> held; // so that no text's block is left to be used again
+    for (int i = 0; i < 20'000; ++i)
+        held.emplace_back(std::string(static_cast<std::size_t>(i) % 200, 'x').c_str());
+    for (const bool by_path : {false, true}) {
+        SCOPED_TRACE(by_path);
+        const auto add = [&] {
+            return by_path ? RegisterObject(kName, kPlugin) : RegisterObject(kName, module);
+        };
+        int requests = 0, answer = 0;
+        for (; answer == 0 && requests < 100; ++requests) {
+            const LimitedMemory limited(requests);
+            EXPECT_NO_THROW(answer = add());
+            EXPECT_EQ(IsRegisterObject(kName), answer);
+        }
+        EXPECT_GT(requests, 1) << "memory was never missing";
+        EXPECT_EQ(UnregisterObject(kName), 1);
+    }
 }
 
 // The module is kept as loaded before its export is looked up, so a second try does not look again.

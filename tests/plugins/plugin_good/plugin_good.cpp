@@ -6,18 +6,10 @@
 #include "qzunknown.h"
 
 #include <windows.h>
-#undef GetClassName
 
 #define PLUGIN_EXPORT extern "C" __declspec(dllexport)
 
 namespace {
-
-HINSTANCE this_module() {
-    HMODULE module = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<const char*>(&this_module), &module);
-    return module;
-}
 
 int live_objects = 0;
 
@@ -49,7 +41,7 @@ private:
     double second_ = 0.5;
 };
 
-CQZObjectRegistrar registrar("SamplePluginPair", this_module());
+CQZObjectRegistrar registrar("SamplePluginPair", QZThisModule());
 
 } // namespace
 
@@ -72,6 +64,10 @@ PLUGIN_EXPORT int PluginResult(IQZUnknown* outer, const std::type_info&, IQZUnkn
 }
 
 PLUGIN_EXPORT int PluginThrows(IQZUnknown*, const std::type_info&, IQZUnknown**) { throw 42; }
+
+PLUGIN_EXPORT int plugin_window_class(HWND window, char* name, int size) {
+    return GetClassName(window, name, size); // the platform's
+}
 
 PLUGIN_EXPORT int plugin_live_objects() { return live_objects; }
 
