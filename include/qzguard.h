@@ -38,7 +38,9 @@ public:
     WaitAllGuard& operator=(const WaitAllGuard&) = delete; ///< one guard, one wait
 
     int result() const noexcept { return result_; } ///< @return one of QZWaitResult
-    /// @return whether the others are kept out: not after QZWAIT_TIMEOUT
+    /// @return false after QZWAIT_TIMEOUT. True is that the others are kept out, but also that there was
+    ///         nothing to wait for: no critical section lived, and one made later is not kept out of; or the
+    ///         wait failed.
     explicit operator bool() const noexcept { return result_ != QZWAIT_TIMEOUT; }
 
 private:

@@ -42,7 +42,9 @@ protected:
     ~IEvent() = default;
 };
 
-/// @return a new critical section with one reference for the caller
+/// @return a new critical section with one reference for the caller; null when memory is refused. The system
+///         mutex is then taken into use even so, and stays so for the life of the process: Wait_All waits
+///         for it from then on.
 QZR_API ICritSect* CriticalSection_New();
 
 /// Builds a critical section in memory of the caller's. The memory must come from
@@ -53,7 +55,8 @@ QZR_API ICritSect* CriticalSection_New();
 QZR_API ICritSect* _CriticalSection_New_For_Core(void* memory, int* size);
 
 /// @param initialState non-zero for an event that starts signalled
-/// @return a new event with one reference for the caller. Throws CXMemException when the system has none.
+/// @return a new event with one reference for the caller; null when memory for it is refused. Throws
+///         CXMemException when the system has no event.
 QZR_API IEvent* Event_New(int initialState);
 
 /// Starts a thread and waits, one second at most, until it says that it runs: it builds the event name with
