@@ -6,9 +6,7 @@
 // A round of a thread depends on the seed and its number alone; --only repeats one. Ends with 0 when all was
 // well, 1 after a fault, 3 after a crash or a hang.
 #include "qzexception.h"
-#include "qzref.h"
 #include "qzstring.h"
-#include "qzsync.h"
 #include "soak/leftovers.h"
 #include "soak/refusal.h"
 #include "soak/work.h"
@@ -42,9 +40,6 @@ constexpr Kind kKinds[] = {
     {"files", work_files, 4},
     {"output", work_output, 4},
     {"locks", work_locks, 1},
-    {"sections", work_sections, 2},
-    {"objects", work_objects, 3},
-    {"heaps", work_heaps, 3},
     {"texts", work_texts, 4},
 };
 
@@ -177,16 +172,12 @@ void run_thread(unsigned thread, std::chrono::steady_clock::time_point until) {
 
 // What the platform sets up once, at the first use of anything.
 void warm_up() {
-    const auto section = CQZRef<ICritSect>::Adopt(CriticalSection_New());
-    shared.section = section.Get();
     for (const Kind& kind : kKinds)
         run_round(0, 0, &kind);
 }
 
 // All threads work until the time is up.
 void run_lap(unsigned seconds) {
-    const auto section = CQZRef<ICritSect>::Adopt(CriticalSection_New());
-    shared.section = section.Get();
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < options.threads; ++i)
@@ -198,11 +189,6 @@ void run_lap(unsigned seconds) {
 bool failed() {
     for (const Post& post : posts)
         if (post.failed) return true;
-    if (shared.counted != shared.expected) {
-        std::printf("FAULT: %llu counted under the section, %llu expected\n", shared.counted,
-                    shared.expected.load());
-        return true;
-    }
     if (const unsigned damaged = damaged_heaps(); damaged != 0) {
         std::printf("FAULT: %u damaged heaps\n", damaged);
         return true;
@@ -325,8 +311,6 @@ int main(int argc, char** argv) {
         load_dictionary(shared, folder);
         hook_and_unhook(shared);
         if (options.only_thread >= 0) {
-            const auto section = CQZRef<ICritSect>::Adopt(CriticalSection_New());
-            shared.section = section.Get();
             run_round(static_cast<unsigned>(options.only_thread), options.only_round);
             result = failed() ? 1 : 0;
         } else {

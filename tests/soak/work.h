@@ -10,14 +10,10 @@
 #include <string>
 
 class IParam;
-class ICritSect;
 
 // Shared by all threads.
 struct Shared {
-    std::mutex one_thread; // for what the library leaves to one thread at a time
-    ICritSect* section = nullptr;
-    unsigned long long counted = 0; // under the section
-    std::atomic<unsigned long long> expected = 0;
+    std::mutex one_thread;                      // for what the library leaves to one thread at a time
     std::atomic<unsigned long long> checks = 0; // comparisons that were made
 };
 
@@ -53,10 +49,7 @@ void work_storage_tree(Work& work);
 void work_files(Work& work);  // written in place and read back
 void work_output(Work& work); // files replaced safely
 void work_locks(Work& work);  // the registry of locked paths
-void work_sections(Work& work);
-void work_objects(Work& work);
-void work_heaps(Work& work);
-void work_texts(Work& work); // strings, translations
+void work_texts(Work& work);  // strings, translations
 
 // For the main thread between rounds: the dictionary and the hooks.
 void load_dictionary(Shared& shared, const std::wstring& folder);
