@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::string_view kHelp = "help"; // the command that --help stands for
 
-bool lists(std::string_view words, std::string_view word) {
-    return (" " + std::string(words) + " ").find(" " + std::string(word) + " ") != std::string::npos;
-}
-
 /// Arguments as typed, taken apart into words and options.
 struct Typed {
     std::vector<std::wstring> words;
@@ -85,7 +81,7 @@ bool is_named(const Command& command, std::string_view name) {
 }
 
 bool takes(const Command& command, const Option& option) {
-    return option.every_command || lists(command.options, option.name);
+    return option.every_command || has_word(command.options, option.name);
 }
 
 ExitCode run(const std::vector<std::wstring>& arguments, std::span<const Command> commands) {

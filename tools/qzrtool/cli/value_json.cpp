@@ -3,43 +3,34 @@
 #include "system/encoding.h"
 #include "trees/values.h"
 
-#include <charconv>
-#include <cmath>
-#include <initializer_list>
+#include <algorithm>
 
 namespace tool {
 
 namespace {
 
-// The shortest text that reads back as the same number.
-template <class Real>
-std::string real_text(Real number) {
-    char buffer[64];
-    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr};
-}
-
-void write_real(JsonWriter& json, double number, const std::string& text) {
-    if (std::isfinite(number)) {
+// "inf" and "nan" are no numbers to JSON; all others are written without that letter.
+void write_number(JsonWriter& json, std::string_view text) {
+    if (text.find('n') == text.npos) {
         json.raw(text);
     } else {
         json.text(text);
     }
 }
 
-void write_numbers(JsonWriter& json, std::initializer_list<long> numbers) {
+void write_numbers(JsonWriter& json, std::string_view text) {
+    if (text.find(',') == text.npos) return write_number(json, text);
     json.begin_array();
-    for (const long number : numbers) {
-        json.raw(std::to_string(number));
+    while (!text.empty()) {
+        const std::size_t comma = std::min(text.find(','), text.size());
+        write_number(json, text.substr(0, comma));
+        text.remove_prefix(std::min(comma + 1, text.size()));
     }
     json.end_array();
 }
 
-void write_numbers(JsonWriter& json, std::initializer_list<double> numbers) {
-    json.begin_array();
-    for (const double number : numbers) {
-        write_real(json, number, real_text(number));
-    }
-    json.end_array();
+void write_bool(JsonWriter& json, int stored) {
+    json.raw(stored == 0 ? "false" : stored == 1 ? "true" : std::to_string(stored));
 }
 
 void write_object(JsonWriter& json, IQZUnknown* object) {
@@ -57,36 +48,19 @@ void write_object(JsonWriter& json, IQZUnknown* object) {
 
 } // namespace
 
-void write_value(JsonWriter& json, const tagQZVARIANT& v) {
-    switch (v.vt) {
-    case QZVT_EMPTY:
+void write_value(JsonWriter& json, const tagQZVARIANT& value) {
+    switch (type_of(value).value_class) {
+    case ValueClass::nothing:
         return json.raw("null");
-    case QZVT_BOOL:
-        return json.raw(v.boolVal == 0 ? "false" : v.boolVal == 1 ? "true" : std::to_string(v.boolVal));
-    case QZVT_DOUBLE:
-        return write_real(json, v.doubleVal, value_text(v));
-    case QZVT_FLOAT:
-        return write_real(json, static_cast<double>(v.floatVal), value_text(v));
-    case QZVT_SIZE:
-        return write_numbers(json, {v.sizeVal.cx, v.sizeVal.cy});
-    case QZVT_RSIZE:
-        return write_numbers(json, {v.rsizeVal.cx, v.rsizeVal.cy});
-    case QZVT_POINT:
-        return write_numbers(json, {v.pointVal.x, v.pointVal.y});
-    case QZVT_RPOINT:
-        return write_numbers(json, {v.rpointVal.x, v.rpointVal.y});
-    case QZVT_RECT:
-        return write_numbers(json, {v.rectVal.left, v.rectVal.top, v.rectVal.right, v.rectVal.bottom});
-    case QZVT_RRECT:
-        return write_numbers(json, {v.rrectVal.left, v.rrectVal.top, v.rrectVal.right, v.rrectVal.bottom});
-    case QZVT_TEXT:
-    case QZVT_BLOB:
-    case QZVT_WTEXT:
-        return json.text(value_text(v));
-    case QZVT_OBJECT:
-        return write_object(json, v.pUnkVal);
-    default:
-        return json.raw(value_text(v)); // the integers
+    case ValueClass::boolean:
+        return write_bool(json, value.boolVal);
+    case ValueClass::integers:
+    case ValueClass::reals:
+        return write_numbers(json, value_text(value));
+    case ValueClass::text:
+        return json.text(value_text(value));
+    case ValueClass::object:
+        return write_object(json, value.pUnkVal);
     }
 }
 

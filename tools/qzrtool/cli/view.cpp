@@ -23,7 +23,9 @@ constexpr Lines kAsciiLines = {"|- ", "`- ", "|  ", "   "};
 
 Style style_of(ValueClass value_class) {
     switch (value_class) {
-    case ValueClass::number:
+    case ValueClass::boolean:
+    case ValueClass::integers:
+    case ValueClass::reals:
         return Style::number;
     case ValueClass::text:
         return Style::text;

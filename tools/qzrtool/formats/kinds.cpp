@@ -4,8 +4,6 @@
 #include "system/failure.h"
 #include "trees/values.h"
 
-#include <algorithm>
-
 namespace tool {
 
 namespace {
@@ -13,15 +11,6 @@ namespace {
 // Guessing goes from the front: a compound file begins with a mark of its own, the stream form always has a
 // zero byte, text never.
 const Kind* const kKinds[] = {&kStorageKind, &kStreamKind, &kTextKind, &kIniKind, &kLiveKind, &kRegistryKind};
-
-bool lists(std::string_view words, std::string_view word) {
-    while (!words.empty()) {
-        const std::size_t blank = std::min(words.find(' '), words.size());
-        if (words.substr(0, blank) == word) return true;
-        words.remove_prefix(std::min(blank + 1, words.size()));
-    }
-    return false;
-}
 
 std::string entry_loss(const Kind& kind, const Difference& difference) {
     if (difference.change == Change::added) return difference.path() + ": appears in addition";
@@ -48,7 +37,7 @@ const Kind* kind_named(std::string_view name) {
 
 const Kind* kind_with_extension(std::string_view extension) {
     for (const Kind* kind : kKinds) {
-        if (!extension.empty() && lists(kind->extensions, extension)) return kind;
+        if (!extension.empty() && has_word(kind->extensions, extension)) return kind;
     }
     return nullptr;
 }

@@ -23,29 +23,13 @@ bool all_of(std::string_view text, std::string_view allowed) {
 
 /// Whether everything in the text of a number can be part of it. The reader stops at the first character that
 /// is not, and takes what it has.
-bool looks_numeric(unsigned short code, std::string_view text) {
+bool looks_numeric(ValueClass value_class, std::string_view text) {
     static constexpr std::string_view kIntegers = "0123456789+-, \t";
     static constexpr std::string_view kHexadecimal = "0123456789abcdefABCDEFxX+-, \t";
     static constexpr std::string_view kReals = "0123456789+-.eE, \tinfatyINFATY";
-    switch (code) {
-    case QZVT_DOUBLE:
-    case QZVT_FLOAT:
-    case QZVT_RSIZE:
-    case QZVT_RPOINT:
-    case QZVT_RRECT:
-        return all_of(text, kReals);
-    case QZVT_USHORT:
-    case QZVT_ULONG:
-    case QZVT_INT:
-    case QZVT_UINT:
-    case QZVT_LONG:
-    case QZVT_SIZE:
-    case QZVT_POINT:
-    case QZVT_RECT:
-        return all_of(text, text.find_first_of("xX") != text.npos ? kHexadecimal : kIntegers);
-    default:
-        return true;
-    }
+    if (value_class == ValueClass::reals) return all_of(text, kReals);
+    if (value_class != ValueClass::integers) return true;
+    return all_of(text, text.find_first_of("xX") != text.npos ? kHexadecimal : kIntegers);
 }
 
 } // namespace
@@ -67,7 +51,7 @@ std::string changed_in_reading(const NameAndValue& statement) {
     if (type->code == QZVT_BLOB && !all_of(text, "0123456789abcdefABCDEF \t")) {
         return "characters that are no hexadecimal digits are skipped in " + shown(text);
     }
-    if (!looks_numeric(type->code, text))
+    if (!looks_numeric(type->value_class, text))
         return "only the beginning of " + shown(text) + " is read as a number";
     return {};
 }

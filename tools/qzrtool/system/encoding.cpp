@@ -2,30 +2,25 @@
 
 #include "system/failure.h"
 
+#include <algorithm>
+
 namespace tool {
 
 namespace {
 
 bool continues(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
-void append_escape(std::string& out, unsigned code) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
+std::string escape_of(unsigned char code) {
     switch (code) {
     case '\n':
-        out += "\\n";
-        return;
+        return "\\n";
     case '\r':
-        out += "\\r";
-        return;
+        return "\\r";
     case '\t':
-        out += "\\t";
-        return;
+        return "\\t";
     default:
-        break;
+        return "\\x" + hex_text(&code, 1);
     }
-    out += "\\x";
-    out += kDigits[code >> 4];
-    out += kDigits[code & 15];
 }
 
 } // namespace
@@ -60,18 +55,39 @@ std::string printable(std::string_view utf8_text) {
     std::string out;
     out.reserve(utf8_text.size());
     for (std::size_t i = 0; i < utf8_text.size(); ++i) {
-        const unsigned byte = static_cast<unsigned char>(utf8_text[i]);
-        const unsigned next = i + 1 < utf8_text.size() ? static_cast<unsigned char>(utf8_text[i + 1]) : 0;
+        const auto byte = static_cast<unsigned char>(utf8_text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < utf8_text.size() ? utf8_text[i + 1] : '\0');
         if (byte < 0x20 || byte == 0x7F) {
-            append_escape(out, byte);
+            out += escape_of(byte);
         } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) { // the second set of controls
-            append_escape(out, next);
+            out += escape_of(next);
             ++i;
         } else {
             out += utf8_text[i];
         }
     }
     return out;
+}
+
+std::string hex_text(const void* bytes, std::size_t count) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(2 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned byte = bytes != nullptr ? static_cast<const unsigned char*>(bytes)[i] : 0u;
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
+
+bool has_word(std::string_view words, std::string_view word) {
+    while (!words.empty()) {
+        const std::size_t blank = std::min(words.find(' '), words.size());
+        if (words.substr(0, blank) == word) return true;
+        words.remove_prefix(std::min(blank + 1, words.size()));
+    }
+    return false;
 }
 
 } // namespace tool

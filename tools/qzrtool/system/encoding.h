@@ -27,4 +27,10 @@ std::string_view first_characters(std::string_view utf8_text, std::size_t count)
 /// must not steer the terminal
 std::string printable(std::string_view utf8_text);
 
+// @return the bytes as hexadecimal digits; null stands for zeroes
+std::string hex_text(const void* bytes, std::size_t count);
+
+// @return whether a list of words, parted by blanks, has one
+bool has_word(std::string_view words, std::string_view word);
+
 } // namespace tool

@@ -10,9 +10,11 @@
 namespace tool {
 
 // What kind of thing a value is.
-enum class ValueClass { nothing, number, text, object };
+enum class ValueClass { nothing, boolean, integers, reals, text, object };
 
-/// One row for each type code.
+struct TypedValue;
+
+// One row for each type code.
 struct ValueType {
     unsigned short code;
     char letter; // in the text form; 0 for a type without one
@@ -20,6 +22,11 @@ struct ValueType {
     const char*
         written_as; // for people: what follows the colon on the command line; null when it cannot be typed
     ValueClass value_class;
+
+    std::string (*text)(const tagQZVARIANT& value);
+    std::string (*shown)(const tagQZVARIANT& value, bool full); // null: as text
+    CQZVariant (*parse)(const TypedValue& typed);               // null when it cannot be typed
+    bool (*same)(const tagQZVARIANT& a, const tagQZVARIANT& b);
 };
 
 /// @return the table's row; for a code beyond it a row that says so
@@ -29,9 +36,6 @@ const ValueType& type_of(const tagQZVARIANT& value);
 std::span<const ValueType> value_types();
 
 const ValueType* type_with_letter(char letter); // null when there is none
-
-// @return the bytes as hexadecimal digits; null stands for zeroes
-std::string hex_text(const void* bytes, std::size_t count);
 
 /// @return the whole value as one text in UTF-8: numbers without loss, bytes as hexadecimal digits
 std::string value_text(const tagQZVARIANT& value);
