@@ -16,15 +16,24 @@ namespace qz {
 /// What streams and files have in common.
 namespace detail {
 
+/// Reads to the end, or until the piece, called with each part, answers false. @return the bytes read
 template <class Source, class Piece>
-unsigned long long read_all(Source& source, Piece piece) {
+unsigned long long read_while(Source& source, Piece piece) {
     std::string buffer(64 * 1024, '\0');
     unsigned long long total = 0;
     while (const unsigned got = source.Read(buffer.data(), static_cast<unsigned>(buffer.size()))) {
-        piece(std::string_view(buffer.data(), got));
         total += got;
+        if (!piece(std::string_view(buffer.data(), got))) break;
     }
     return total;
+}
+
+template <class Source, class Piece>
+unsigned long long read_all(Source& source, Piece piece) {
+    return read_while(source, [&piece](std::string_view bytes) {
+        piece(bytes);
+        return true;
+    });
 }
 
 template <class Target>
@@ -56,15 +65,22 @@ inline CQZRef<IXStream> stream_of(std::string_view bytes) {
     return stream;
 }
 
-/// Hands the rest of a stream out in pieces of 64 KiB at most.
-/// @param piece called with a std::string_view, which is good until it returns
+/// Hands the rest of a stream out in pieces of 64 KiB at most. A stream that stays where it is while it is
+/// read has no end; of one, such as new_EmptyStream makes, it hands out what a single Read brings.
+/// @param piece called with a std::string_view, which is good until it returns; it leaves the position alone
 /// @return the bytes read. Throws what the stream and piece throw.
 template <class Piece>
 unsigned long long read_pieces(IXStream& stream, Piece piece) {
-    return detail::read_all(stream, piece);
+    unsigned position = stream.GetPosition();
+    return detail::read_while(stream, [&](std::string_view bytes) {
+        piece(bytes);
+        const unsigned before = position;
+        position = stream.GetPosition();
+        return position != before;
+    });
 }
 
-/// @return a copy of the rest of a stream. Throws what the stream throws.
+/// @return a copy of the rest of a stream, as read_pieces hands it out. Throws what the stream throws.
 inline std::string read_rest(IXStream& stream) {
     std::string bytes;
     read_pieces(stream, [&bytes](std::string_view piece) { bytes += piece; });
@@ -89,8 +105,10 @@ inline std::string bytes_of(IParam& tree) {
     return bytes_of(*stream);
 }
 
-/// Empties a tree and reads a binary form into it. Of bytes that end early it keeps what was there.
-/// @return false when they are no tree; it is empty then
+/// Empties a tree and reads a binary form into it. There is nothing in that form to know it by: of a tree
+/// that ends early it keeps what was there, and of most other bytes what they would mean, and both are a
+/// success.
+/// @return false when a value has an unknown type code, or is an object that fails so; the tree is empty then
 inline bool read_bytes(IParam& tree, std::string_view bytes) {
     return LoadParamFromXStream(stream_of(bytes).Get(), &tree) != 0;
 }

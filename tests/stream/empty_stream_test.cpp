@@ -1,4 +1,5 @@
 #include "contracts/persistent_note.h"
+#include "qzbytes.h"
 #include "qzexception.h"
 #include "qzref.h"
 #include "qzstream.h"
@@ -31,6 +32,7 @@ TEST_F(EmptyStream, ReadsZeroesWithoutEnd) {
     CQZVariant v("text");
     EXPECT_EQ(stream->ReadVariant(&v), 1);
     EXPECT_EQ(v.vt, QZVT_EMPTY);
+    EXPECT_EQ(qz::read_rest(*stream), std::string(1, '\0')) << "whoever reads to the end gets there";
 }
 
 TEST_F(EmptyStream, LinesAreASingleZero) {
