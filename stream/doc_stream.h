@@ -31,6 +31,8 @@ public:
 
     unsigned Read(void* buffer, unsigned count) override { return checked(stream_->Read(buffer, count)); }
     int Write(const void* buffer, unsigned count) override { return checked(stream_->Write(buffer, count)); }
+    IXStream& measured() { return *stream_; }
+
     unsigned Seek(int offset, unsigned origin) override { return checked(stream_->Seek(offset, origin)); }
     unsigned GetPosition() override { return checked(stream_->GetPosition()); }
     unsigned GetSize() override { return checked(stream_->GetSize()); }

@@ -15,6 +15,9 @@ public:
     // How many bytes a wide text in a variant takes; a class with another rule declares its own.
     static constexpr WideTextCount kWideTextCount = WideTextCount::kWhole;
 
+    // Whom to ask for size and position when the answer matters to the library alone.
+    Self& measured() { return self(); }
+
     unsigned char ReadByte() override { return read_or_eof<unsigned char>(self()); }
     unsigned short ReadWord() override { return read_or_eof<unsigned short>(self()); }
     unsigned ReadDWord() override { return read_or_eof<unsigned>(self()); }

@@ -1,7 +1,7 @@
 // The stored form of variants: a 16-bit type code, then a value whose shape the table of the variant types
 // tells. docs/variant-encoding.md has it byte by byte.
 //
-// Stream is a final class derived from IXStream, whose Read and Write are then called directly.
+// Stream is a final class derived from StreamSlots, whose Read and Write are then called directly.
 #pragma once
 
 #include "core/allocator.h"
@@ -28,10 +28,12 @@ constexpr unsigned kTrustedCount = 4096;
 // than is there.
 constexpr std::uint64_t kBlobSlack = 64u << 20;
 
+// A stream that wraps another and tells somebody of each call is measured on the one within.
 template <class Stream>
 unsigned bytes_left(Stream& stream) {
-    const unsigned size = stream.GetSize();
-    const unsigned position = stream.GetPosition();
+    auto& measured = stream.measured();
+    const unsigned size = measured.GetSize();
+    const unsigned position = measured.GetPosition();
     return position < size ? size - position : 0;
 }
 
@@ -60,7 +62,8 @@ template <class Stream>
 bool read_blob(Stream& stream, tagQZBLOB& blob) {
     const unsigned count = read_or_eof<unsigned>(stream);
     if (count > kTrustedCount && count > bytes_left(stream) + kBlobSlack) throw CXMemException();
-    if (count == 0) return false;
+    char no_bytes;
+    if (count == 0) return stream.Read(&no_bytes, 0) != 0; // a transfer like any other to who counts them
     blob.pBlobData = mem_alloc(count);
     blob.cbSize = count;
     return stream.Read(blob.pBlobData, count) != 0;

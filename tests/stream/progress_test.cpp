@@ -66,13 +66,16 @@ std::vector<Operation> operations() {
         {"line", 4, 0, [](IXStream& s) { s.ReadLine(line, 10); }}, // for each character
         {"wide line", 2, 0, [](IXStream& s) { s.ReadLineW(wide, 2); }},
         {"read variant", 3, 1, [](IXStream& s) { s.Seek(4, 0), s.ReadVariant(&out); }},
+        {"read an empty blob", 3, 1, [](IXStream& s) { s.Seek(13, 0), s.ReadVariant(&out); }},
+        {"read a long text", 3, 1, [](IXStream& s) { s.Seek(19, 0), s.ReadVariant(&out); }},
         {"seek", 0, 3, [](IXStream& s) { s.Seek(1, 0), s.GetPosition(), s.GetSize(); }},
         {"read at the end", 0, 2, [](IXStream& s) { s.Seek(0, 2), s.Read(line, 3); }},
     };
 }
 
-// "abc", line feed, a text variant "xy"
-const std::string kStart = test::from_hex("'abc' 0a 0a00 03000000 787900");
+// "abc", line feed, a text variant "xy", one of an empty blob, a text with more than is allocated unseen
+const std::string kStart =
+    test::from_hex("'abc' 0a 0a00 03000000 787900 1100 00000000 0a00 00200000") + std::string(8192, 'x');
 
 // Cancelled at its k-th transfer, an operation has moved what the first k transfers move, and the stream
 // works on as if it had never been asked for more. In round 0 nothing cancels.
