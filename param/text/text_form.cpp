@@ -8,6 +8,7 @@
 #include "qzexception.h"
 #include "qzparam.h"
 #include "qzstring.h"
+#include "string/multibyte.h"
 #include "string/scan.h"
 
 #include <new>
@@ -94,15 +95,25 @@ void append_sections(IParam& root, TextBuffer& out, Finish finish) {
     }
 }
 
+// Half a character at the end of a statement would make a whole one with the "|" behind it, and so take in
+// the statement that follows.
+std::string_view without_half_character(std::string_view statement, const LeadBytes& leads) {
+    const char* const last = statement.data() + statement.size() - 1;
+    if (leads(*last) && mb_is_start(statement.data(), last, leads)) statement.remove_suffix(1);
+    return statement;
+}
+
 // Turns the section at the end of out, which begins with a line break and so with a new statement, into
 // joined statements, in place: the line break leaves room for the last "|", and every other one takes the
 // place of a separator that was read.
 void join_statements(TextBuffer& out, std::size_t start) {
+    const LeadBytes leads = lead_bytes();
     char* const begin = out.data() + start;
     char* to = begin;
     StatementReader reader(out.view().substr(start));
     std::string_view statement;
     while (reader.next(statement)) {
+        statement = without_half_character(statement, leads);
         move_bytes(to, statement.data(), statement.size());
         to += statement.size();
         *to++ = '|';

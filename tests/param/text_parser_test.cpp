@@ -94,9 +94,9 @@ TEST(TextParser, KeepsDoubleByteCharactersWhole) {
         {"[\\\x83\x5C_]|v=i1", "[\\\x83\x5C_]|v=i1|", "[\\\x83]|[\\\x83\\_]|v=i1|"},
         {"[\\\x83\x5D|v=i1", "[\\\x83\x5D]|v=i1|", "[\\\x83]|v=i1|"},
         {"[\\\x83\x5D]|v=i1", "[\\\x83\x5D]|v=i1|", "[\\\x83\x5D]|v=i1|"},
-        {"a=i10\x83\x58", "a=i10|", "a=i16|"}, // an "X" that is none
-        {"a=s\x81\nz=i1", "a=s\x81|z=i1|", "a=s\x81|z=i1|"},
-        {"a=s\x83\x5C\x81", "a=s\x83\x5C\x81|", "a=s\x83\x5C\x81|"},
+        {"a=i10\x83\x58", "a=i10|", "a=i16|"},           // an "X" that is none
+        {"a=s\x81\nz=i1", "a=s|z=i1|", "a=s\x81|z=i1|"}, // half a character would take in the "|"
+        {"a=s\x83\x5C\x81", "a=s\x83\x5C|", "a=s\x83\x5C\x81|"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(text_of(*tree_from("[\\]|" + row.text)), "[\\]|" + (japanese ? row.whole : row.bytewise))
