@@ -8,7 +8,6 @@
 #include <atomic>
 #include <bit>
 #include <charconv>
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -21,6 +20,8 @@ namespace {
 
 constexpr int kDigits = 14;
 constexpr int kRuntimeTextSize = 64; // more than _gcvt ever writes for 14 digits
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 int finish(char* begin, char* end) {
     *end = 0;
@@ -52,10 +53,11 @@ char* widen_exponent(char* begin, char* end) {
 }
 
 // Whether a value lies in the middle between two texts of fourteen digits. Then it has fifteen digits, the
-// last one a 5, so at most 21 binary places and fewer than 40 digits to look at.
+// last one a 5, so at most 21 binary places and fewer than 40 digits to look at. Behind the fifteen digits
+// stand two zeroes at most: with more there are no such reals, since 5^3 times fifteen digits is beyond 2^53.
 bool is_halfway(double value) {
     constexpr double kPlaces = 1 << 21;
-    constexpr double kLargest = 1e16;
+    constexpr double kLargest = 1e17;
     constexpr int kExactDigits = 40;
     if (std::fabs(value) >= kLargest || std::trunc(value * kPlaces) != value * kPlaces) return false;
     char text[kExactDigits + 16];
@@ -150,9 +152,11 @@ int shortest_general(char* out, double value) {
 int runtime_general(char* out, double value) {
     char text[kRuntimeTextSize];
     _gcvt(value, kDigits, text);
-    const char local_point = *std::localeconv()->decimal_point;
-    if (local_point != '.')
-        if (char* const point = std::strchr(text, local_point)) *point = '.';
+    // The locale's point, whichever that is by now, stands behind the first digits.
+    char* point = text + (*text == '-' ? 1 : 0);
+    while (is_digit(*point))
+        ++point;
+    if (*point != 0 && *point != 'e') *point = '.';
     text[kRealTextSize - 1] = 0;
     return copy_text(out, text);
 }
@@ -174,7 +178,6 @@ bool runtime_prints_general() {
 
 // --- text to reals
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 // The parts of a number's text; digits are those of the mantissa.
