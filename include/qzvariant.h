@@ -105,11 +105,15 @@ QZR_API void QZVariantCopy(tagQZVARIANT* dst, const tagQZVARIANT* src);
 
 /// Converts src to the type vt into dst. dst and src may be one record.
 ///
-/// Numbers convert among each other and to text; int, long, unsigned int, double and float are read from
-/// text by scanning ("12abc" is 12); an unsigned long is not. Booleans are the texts "Yes" and "No". Integer
-/// and real geometry convert into each other, rounding d >= 0 as d + 0.5 and d < 0 as d - 0.4999999, both
-/// cut; the right and bottom edges of rectangles move by 1 on the way. A real becomes an integer by cutting,
-/// and one out of range, or not a number, becomes 0x80000000. docs/variants.md has the whole matrix.
+/// Numbers convert among each other and to text; int, long, double and float are read from text by scanning
+/// ("12abc" is 12), an unsigned int from wide text alone: narrow text is scanned as if it were wide, so "7"
+/// is 7 and "12" is no number. An unsigned long is not read from text. Booleans become the texts "Yes" and
+/// "No", and no text becomes a boolean. Integer and real geometry convert into each other, rounding d >= 0 as
+/// d + 0.5 and d < 0 as d - 0.4999999, both cut; the right and bottom edges of rectangles move by 1 on the
+/// way. A real becomes an int or a long by cutting, and one out of range, or not a number, becomes
+/// 0x80000000. It becomes an unsigned int by cutting to 64 bits and keeping the lower 32, so that -1.0 is
+/// 4294967295; out of the range of 64 bits, or not a number, it becomes 0. docs/variants.md has the whole
+/// matrix.
 /// @return 1; 0 when there is no such conversion: a dst of its own is then empty, and a record that was to be
 ///         converted in place is unchanged. Throws CXMemException.
 QZR_API int QZVariantChangeType(tagQZVARIANT* dst, const tagQZVARIANT* src, unsigned short vt);
