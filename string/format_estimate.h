@@ -6,9 +6,13 @@
 
 namespace qzr {
 
-// Units, terminator not counted. Reads the arguments that the format names. The estimate bounds nothing: the
-// printed text may be longer.
-std::uint64_t estimate_format(const char* format, std::va_list arguments) noexcept;
-std::uint64_t estimate_format(const wchar_t* format, std::va_list arguments) noexcept;
+struct FormatEstimate {
+    std::uint64_t units; // terminator not counted
+    bool certain;        // nothing longer is printed; otherwise only measuring tells
+};
+
+// Reads the arguments that the format names, each text in the width in which it will be printed.
+FormatEstimate estimate_format(const char* format, std::va_list arguments) noexcept;
+FormatEstimate estimate_format(const wchar_t* format, std::va_list arguments) noexcept;
 
 } // namespace qzr

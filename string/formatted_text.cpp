@@ -17,48 +17,39 @@ bool keeps_block(const Unit* text, std::uint64_t units) {
     return is_private(text) && units <= capacity_units(text);
 }
 
-template <class Unit>
-std::uint64_t room_for(const Unit* text, std::uint64_t units) {
-    return keeps_block(text, units) ? capacity_units(text) : units;
-}
-
 // Throws CXMemException before anything is measured or printed when the room alone is beyond reason.
 void check_room(std::uint64_t units, std::size_t unit_size) {
     if (units > INT_MAX / unit_size - 2 * sizeof(TextBlock)) throw CXMemException();
 }
 
-template <class Unit>
-Unit* print_new(const Unit* old, std::uint64_t estimate, const Unit* format, std::va_list arguments) {
-    std::uint64_t room = room_for(old, estimate + 1);
-    for (bool measured = false;; measured = true) {
-        Unit* const fresh = new_text<Unit>(room);
-        zero_rest(fresh, 0);
-        if (print_text_v(fresh, static_cast<std::size_t>(room), format, arguments) >= 0 || measured)
-            return fresh;
-        block_free(header_of(fresh), block_size<Unit>(static_cast<std::size_t>(header_of(fresh)->capacity)));
-        const int length = measure_text(format, arguments);
-        room = room_for(old, std::max(estimate, static_cast<std::uint64_t>(std::max(length, 0))) + 1);
-    }
-}
-
-// The arguments may point into the old text, so that lives until everything is printed.
+// The arguments may point into the old text, so that lives until everything is printed. Whether a print was
+// cut short is no question for the runtime, which may answer a small number then: what is not sure to fit is
+// measured first.
 template <class Unit>
 void print(Unit*& text, const Unit* format, std::va_list arguments) {
-    const std::uint64_t estimate = estimate_format(format, arguments);
-    check_room(estimate, sizeof(Unit));
-    if (estimate < kStackUnits) {
+    const FormatEstimate estimate = estimate_format(format, arguments);
+    check_room(estimate.units, sizeof(Unit));
+    std::uint64_t length = estimate.units;
+    if (!estimate.certain)
+        length = std::max(length, static_cast<std::uint64_t>(std::max(measure_text(format, arguments), 0)));
+    if (length < kStackUnits) {
         Unit buffer[kStackUnits];
         const int printed = print_text_v(buffer, kStackUnits, format, arguments);
         if (printed >= 0) {
-            const auto length = static_cast<std::size_t>(printed);
-            const std::uint64_t room = std::max<std::uint64_t>(estimate, length) + 1;
-            if (!keeps_block(text, room))
-                return replace_text(text, new_text_copy<Unit>(buffer, length, room));
-            copy_units<Unit>(text, buffer, length + 1);
+            const auto units = static_cast<std::size_t>(printed);
+            length = std::max<std::uint64_t>(length, units); // a runtime that cannot measure may print
+            if (!keeps_block(text, length + 1))
+                return replace_text(text, new_text_copy<Unit>(buffer, units, length + 1));
+            copy_units<Unit>(text, buffer, units + 1);
             return;
         }
     }
-    replace_text(text, print_new<Unit>(text, estimate, format, arguments));
+    Unit* fresh = new_text<Unit>(length + 1);
+    zero_rest(fresh, 0);
+    print_text_v(fresh, static_cast<std::size_t>(length) + 1, format, arguments);
+    if (!keeps_block(text, length + 1)) return replace_text(text, fresh);
+    copy_units<Unit>(text, fresh, static_cast<std::size_t>(length) + 1);
+    release_text(fresh);
 }
 
 } // namespace
