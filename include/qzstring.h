@@ -1,12 +1,17 @@
 /// @file
 /// Strings: CXString, of multibyte characters in the process's multibyte code page, and CXStringW, of 16-bit
-/// units. Both hold one pointer to a counted, copy-on-write block; an empty string owns no block at all.
+/// units. Both hold one pointer to a counted, copy-on-write block. A string that is made or assigned empty
+/// owns no block; one that an operation leaves empty may keep the block of its former text, or of that
+/// operation.
 ///
 /// **Indices** count characters in CXString and units in CXStringW, as do lengths and positions; sizes count
 /// bytes in CXString and units in CXStringW. A search that finds nothing answers -1. A lead byte right before
 /// the end counts as a character of its own.
 ///
-/// **Sizes are exact**: a block is allocated just as large as its operation needs, without reserve.
+/// **Sizes are exact**: a block is allocated just as large as its operation needs, and nothing is kept in
+/// reserve for the next one. What an operation needs is told where it is more than the result: the members
+/// that find, trim, map case, format or load make their room before they know the result, and never give it
+/// back.
 ///
 /// **Failure.** CXMemException, also for texts that would pass 2 GiB; the string is then unchanged or empty.
 /// Arguments may point into the string itself.
@@ -55,7 +60,7 @@ public:
     /// not shared. A negative n counts as 0.
     char* GetBuffer(int n);
     void ReleaseBuffer(int unused = -1); ///< ends the writing; the text ends at its first zero
-    int GetAllocSize() const;            ///< @return bytes of the block's text area, 0 for the empty string
+    int GetAllocSize() const;            ///< @return bytes of the block's text area, 0 without a block
 
     unsigned Copy(char* dst) const;             ///< copies all and a zero; @return bytes without the zero
     unsigned Copy(char* dst, unsigned n) const; ///< copies n characters at most and a zero; @return bytes
@@ -63,8 +68,9 @@ public:
     /// @return bytes copied, the zero not counted. With size 0 nothing is written.
     unsigned CopyFit(char* dst, unsigned size) const;
 
-    /// Loads a string resource of a module, translated when translation is on. @return 1, or 0 when it is
-    /// missing or empty (the string is then empty)
+    /// Loads a string resource of a module, translated when translation is on, into room for 255 characters
+    /// and two, or 256 more as often as that is too little. @return 1, or 0 when it is missing or empty (the
+    /// string is then empty)
     int Load(void* hInstance, unsigned id);
 
     // ---- searching: the result is a character index or -1; an empty string always answers -1
@@ -75,7 +81,8 @@ public:
     int FindRev(wchar_t c) const;                       ///< last occurrence
     int FindRevOnOf(const char* set) const;             ///< last character that is one of set
 
-    /// Replaces the first occurrence only. @return 1, or 0 when find does not occur
+    /// Replaces the first occurrence only. Room for the whole text and repl is made first, whether find
+    /// occurs or not. @return 1, or 0 when find does not occur
     ///@{
     int FindReplace(const char* find, const char* repl);
     int FindReplace(const char* find, wchar_t repl);
@@ -103,16 +110,18 @@ public:
     CXString& Replace(int pos, int count, const char* s);
     int Extract(int pos, int count);                      ///< keeps only the range; @return its bytes
     int Extract(int pos, int count, CXString& out) const; ///< copies the range to out; @return its bytes
-    void TrimLeft();   ///< removes leading white space (isspace, byte by byte)
-    void TrimRight();  ///< removes trailing white space (isspace of a character's first byte)
-    void Upper();      ///< into upper case, by the process's locale
-    void Lower();      ///< into lower case, by the process's locale
+    void TrimLeft();   ///< removes leading white space (isspace, byte by byte); makes room for the text and 2
+    void TrimRight();  ///< removes trailing white space (isspace of a character's first byte); the same room
+    void Upper();      ///< into upper case, by the process's locale; makes room for twice the text and 2
+    void Lower();      ///< into lower case, by the process's locale; the same room
     void FreeExtra();  ///< does nothing; kept so that callers link
     void CharToOemA(); ///< does nothing; kept so that callers link
     void OemToCharA(); ///< does nothing; kept so that callers link
 
-    /// Prints as the platform's printf does, into a block made to measure. A null "%s" prints "(null)". The
-    /// format is trusted: never pass a text of foreign origin, nor "%n".
+    /// Prints as the platform's printf does. The block has room for what the format lets expect (32 for an
+    /// integer, 128 for a real, both no less than width and precision; a text as long as it is), or for the
+    /// result where that is longer. A null "%s" prints "(null)". The format is trusted: never pass a text of
+    /// foreign origin, nor "%n".
     void Format(const char* format, ...);
     void FormatV(const char* format, char* arguments); ///< arguments is a va_list
 
@@ -123,9 +132,10 @@ public:
     void ChangeFileExt(const char* ext); ///< replaces or adds the extension; a leading "." of ext is skipped
     CXString FileExt() const;            ///< @return the extension without its dot; empty when there is none
     CXString FileName() const;           ///< @return the name after the last of ":\/", extension included
-    CXString FilePath() const;           ///< @return the part before that delimiter; a colon is kept
-    const char* GetFileExt() const;      ///< @return into the text, or null when there is no extension
-    const char* GetFileName() const;     ///< @return into the text
+    CXString FilePath() const;       ///< @return the part before that delimiter; a colon is kept. One byte
+                                     ///< of its block is to spare.
+    const char* GetFileExt() const;  ///< @return into the text, or null when there is no extension
+    const char* GetFileName() const; ///< @return into the text
     /// Copies the extension. These three only measure with a null buffer; size the buffer by that.
     /// @return bytes without the zero
     int GetFileExt(char* buffer) const;

@@ -73,7 +73,7 @@ void CXString::ConcatCopyTo(unsigned pos, const char* s, unsigned n) {
 void CXString::AssignChar(wchar_t c) {
     const LeadBytes leads = lead_bytes();
     const MbChar encoded = mb_encode(c, leads);
-    const unsigned bytes = leads(encoded.bytes[0]) && (c >> 8) != 0 ? 2 : 1;
+    const unsigned bytes = leads(static_cast<char>(c >> 8)) ? 2 : 1;
     replace_text(m_pszData, new_text_copy(encoded.bytes, bytes, bytes + 1U));
 }
 

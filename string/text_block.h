@@ -203,11 +203,11 @@ struct TextEdit {
 };
 
 template <class Unit>
-[[gnu::noinline]] void edit_into_new_block(Unit*& text, const TextEdit<Unit>& e, bool keeps_capacity) {
+[[gnu::noinline]] void edit_into_new_block(Unit*& text, const TextEdit<Unit>& e) {
     const std::size_t tail_at = e.at + e.removed;
     const std::size_t tail = e.length - tail_at;
     const std::size_t result = e.at + e.added + tail;
-    Unit* const fresh = new_text<Unit>(keeps_capacity ? capacity_units(text) : e.room);
+    Unit* const fresh = new_text<Unit>(e.room);
     copy_units(fresh, text, e.at);
     copy_units(fresh + e.at, e.s, e.added);
     copy_units(fresh + e.at + e.added, text + tail_at, tail);
@@ -216,16 +216,21 @@ template <class Unit>
     replace_text(text, fresh);
 }
 
+// An edit by units of the text itself that fits where the text is, which holds them elsewhere meanwhile: a
+// pointer that GetBuffer gave out stays good.
+template <class Unit>
+[[gnu::noinline]] void edit_by_own_units(Unit*& text, TextEdit<Unit> e);
+
 template <class Unit>
 void edit_text(Unit*& text, const TextEdit<Unit>& e) {
     const std::size_t capacity = capacity_units(text);
     const bool grows = e.room > capacity;
     const bool shrinks = e.exact && e.room < capacity;
     const bool reads_itself = e.added != 0 && reads_text(text, e.s);
-    if (!owns_block(text) || reads_itself || (shrinks && !refits_text(text, e.room))) {
-        edit_into_new_block(text, e, is_private(text) && !grows && !shrinks);
-        return;
-    }
+    const bool fits = !grows && !shrinks;
+    if (reads_itself && fits && owns_block(text)) return edit_by_own_units(text, e);
+    if (!owns_block(text) || reads_itself || (shrinks && !refits_text(text, e.room)))
+        return edit_into_new_block(text, e);
     if (grows) stretch_text(text, e.room);
     const std::size_t tail_at = e.at + e.removed;
     const std::size_t tail = e.length - tail_at;
@@ -233,10 +238,18 @@ void edit_text(Unit*& text, const TextEdit<Unit>& e) {
     if (tail != 0) move_bytes(text + e.at + e.added, text + tail_at, tail * sizeof(Unit));
     copy_units(text + e.at, e.s, e.added);
     text[result] = 0;
-    if (!grows && !shrinks) return;
+    if (fits) return;
     set_capacity(text, e.room);
     zero_rest(text, result);
     header_of(text)->length = static_cast<int>(result);
+}
+
+template <class Unit>
+void edit_by_own_units(Unit*& text, TextEdit<Unit> e) {
+    Unit* held = new_text_copy(e.s, e.added, e.added);
+    e.s = held;
+    edit_text(text, e);
+    release_text(held);
 }
 
 // Grows an own block to exactly the first `at` units with n of s, which lies elsewhere, behind them.

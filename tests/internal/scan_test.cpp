@@ -3,6 +3,7 @@
 #include "string/ascii_case.h"
 #include "string/multibyte.h"
 #include "string/scan.h"
+#include "support/fenced_page.h"
 
 #include <gtest/gtest.h>
 
@@ -15,25 +16,6 @@
 namespace {
 
 using namespace qzr;
-
-constexpr std::size_t kPage = 4096;
-
-// A readable page between two that are not: any read outside it ends the test.
-class FencedPage {
-public:
-    FencedPage() : all_(static_cast<char*>(VirtualAlloc(nullptr, 3 * kPage, MEM_RESERVE, PAGE_NOACCESS))) {
-        VirtualAlloc(all_ + kPage, kPage, MEM_COMMIT, PAGE_READWRITE);
-    }
-    ~FencedPage() { VirtualFree(all_, 0, MEM_RELEASE); }
-    FencedPage(const FencedPage&) = delete;
-    FencedPage& operator=(const FencedPage&) = delete;
-
-    char* begin() const { return all_ + kPage; }
-    char* end() const { return begin() + kPage; }
-
-private:
-    char* all_;
-};
 
 template <class Unit>
 class Scanning : public testing::Test {};

@@ -249,6 +249,19 @@ TYPED_TEST(StringBlocks, ArgumentsMayLieInTheStringItself) {
             row.apply(s);
             EXPECT_EQ(narrow(s.GetData()), row.result);
         }
+    // Where there is room a text that is being written stays so, in its place.
+    for (const auto& row : rows) {
+        const std::string_view what = row.what;
+        if (!what.starts_with("appending") && !what.starts_with("inserting") && !what.ends_with("found"))
+            continue;
+        SCOPED_TRACE(row.what);
+        S s("abcdef");
+        const auto* const writable = s.GetBuffer(39);
+        row.apply(s);
+        EXPECT_EQ(narrow(s.GetData()), row.result);
+        EXPECT_EQ(s.GetData(), writable);
+        EXPECT_EQ(s.count(), -1);
+    }
 }
 
 TYPED_TEST(StringBlocks, TextsBeyondTwoGigabytesAreRefusedBeforeAnythingChanges) {
@@ -286,7 +299,7 @@ TEST(NarrowCharacter, TakesTwoBytesWhenItsHighByteIsALeadByte) {
         {Page::kAny, L'a', "a", 2},          {Page::kAny, 0, "", 2},
         {Page::kAny, 0x1261, "a", 2},        {Page::kSingleByte, 0x8340, "@", 2},
         {Page::k932, 0x8340, "\x83\x40", 3}, {Page::k932, 0x8300, "\x83", 3},
-        {Page::k932, 0x0083, "\x83", 2},
+        {Page::k932, 0x0083, "\x83", 2},     {Page::k932, 0x4181, "\x81", 2},
     };
     for (const auto& row : rows) {
         if (!applies(row.page)) continue;

@@ -3,6 +3,7 @@
 #include "string_kinds.h"
 
 #include "qzexception.h"
+#include "support/fenced_page.h"
 
 #include <climits>
 #include <cmath>
@@ -15,8 +16,6 @@ TEST(NarrowFormat, PrintsAsThePlatformDoes) {
     EXPECT_STREQ(s.GetData(), "-7|   42|ff  |z|text");
     s.Format("%lg %g", 1e10, 1e-5); // three exponent digits
     EXPECT_STREQ(s.GetData(), "1e+010 1e-005");
-    s.Format("%s|%S|%hs|%ls", "narrow", L"wide", "narrow", L"wide");
-    EXPECT_STREQ(s.GetData(), "narrow|wide|narrow|wide");
     s.Format("%I64d %I64x", 1LL << 40, 1LL << 36);
     EXPECT_STREQ(s.GetData(), "1099511627776 1000000000");
     s.Format("%s", static_cast<const char*>(nullptr));
@@ -29,8 +28,8 @@ TEST(NarrowFormat, PrintsAsThePlatformDoes) {
 
 TEST(WideFormat, TakesPlainStringsAsWide) {
     CXStringW s(L"old");
-    s.Format(L"%d|%s|%S|%hs|%ls|%c", -7, L"wide", "narrow", "narrow", L"wide", L'\x0416');
-    EXPECT_STREQ(s.GetData(), L"-7|wide|narrow|narrow|wide|\x0416");
+    s.Format(L"%d|%s|%S|%c", -7, L"wide", "narrow", L'\x0416');
+    EXPECT_STREQ(s.GetData(), L"-7|wide|narrow|\x0416");
     s.Format(L"%lg", 1e10);
     EXPECT_STREQ(s.GetData(), L"1e+010");
     s.Format(L"%s", static_cast<const wchar_t*>(nullptr));
@@ -100,30 +99,66 @@ TEST(Format, ReservesForTextsAndReals) {
     EXPECT_STREQ(w.GetData(), L"abcdef");
 }
 
-TEST(Format, TextsWithAPrecisionNeedNoTerminator) {
-    const char open[3] = {'a', 'b', 'c'};
-    const wchar_t wide_open[3] = {L'a', L'b', L'c'};
+// Texts end where the memory does: at their precision, or with a terminator in the width of the argument.
+TEST(Format, ReadsTextsInTheirOwnWidth) {
+    const FencedPage narrow_page, wide_page;
+    const struct {
+        const char* format;
+        bool is_narrow[2]; // the argument, in the narrow and in the wide class
+    } rows[] = {{"%s", {true, false}},   {"%S", {false, true}},   {"%hs", {true, true}},
+                {"%hS", {true, true}},   {"%ls", {false, false}}, {"%lS", {false, false}},
+                {"%ws", {false, false}}, {"%wS", {false, false}}, {"%Ls", {true, false}},
+                {"%lls", {true, false}}, {"%llS", {false, true}}, {"%I64s", {true, false}},
+                {"%hls", {false, false}}};
+    for (const auto& row : rows)
+        for (const bool bounded : {false, true}) {
+            std::string format = row.format;
+            if (bounded) format.insert(1, ".3");
+            SCOPED_TRACE(format);
+            const char* const a = narrow_page.at_end("abc", bounded ? 3 : 4);
+            const wchar_t* const w = wide_page.at_end(L"abc", bounded ? 3 : 4);
+            CXString s;
+            CXStringW wide;
+            s.Format(format.c_str(), row.is_narrow[0] ? static_cast<const void*>(a) : w);
+            wide.Format(text<WideKind>(format).c_str(), row.is_narrow[1] ? static_cast<const void*>(a) : w);
+            EXPECT_STREQ(s.GetData(), "abc");
+            EXPECT_STREQ(wide.GetData(), L"abc");
+        }
     CXString s;
-    s.Format("%.3s|%.2ls", open, wide_open);
-    EXPECT_STREQ(s.GetData(), "abc|ab");
+    s.Format("%Is %d", 5); // no prefix: the runtime takes no argument for it
+    EXPECT_STREQ(s.GetData(), "Is 5");
 }
 
+// A real of 309 digits and a fraction of seven characters outgrows what is expected; whatever comes behind it
+// is compared with what the runtime prints where there is room.
 TEST(Format, MakesRoomForMoreThanExpected) {
+    const struct {
+        const char* format; // of a real and a character
+        double real;
+    } rows[] = {{"%f", 1e308},        {"%f%250c", 1e308},  {"%f%-250c", -1e308}, {"%f%c%180c", 1e308},
+                {"%f%300d", 1e308},   {"%f%300x", 1e15},   {"%.200e%90c", 1e9},  {"%.400f", 1e-9},
+                {"%.99f%-99c", 1e15}, {"%200f%#o", 1e200}, {"%y %d", 5},         {"%f%5000c", 1e308},
+                {"%f%.20u", 1e90},    {"%500g%C", 1}};
+    for (const auto& row : rows)
+        for (const unsigned before : {0u, 480u, 6000u}) {
+            SCOPED_TRACE(std::string(row.format) + " over " + std::to_string(before));
+            std::string expected(8192, '\0');
+            expected.resize(static_cast<std::size_t>(
+                _snprintf(expected.data(), expected.size(), row.format, row.real, int{'x'}, int{'y'})));
+            CXString s(std::string(before, 'O').c_str());
+            s.Format(row.format, row.real, int{'x'}, int{'y'});
+            EXPECT_EQ(std::string(s.GetData()), expected);
+            CXStringW w(std::wstring(before, L'O').c_str());
+            w.Format(text<WideKind>(row.format).c_str(), row.real, int{'x'}, int{'y'});
+            EXPECT_EQ(narrow(w.GetData()), expected);
+        }
     CXString s;
-    s.Format("%f", 1e308); // 309 digits and a fraction of seven characters
-    EXPECT_EQ(s.GetSize(), 316U);
+    s.Format("%f", 1e308);
     EXPECT_EQ(s.GetAllocSize(), 317);
-    CXStringW w;
-    w.Format(L"%f|%f|%f", -1e308, 1e308, 1e308);
-    EXPECT_EQ(w.GetSize(), 951U);
-    EXPECT_EQ(w.GetAllocSize(), 952 * 2);
     const std::string filler(70000, 'x');
     s.Format("[%s]", filler.c_str());
-    EXPECT_EQ(s.GetSize(), 70002U);
     EXPECT_EQ(s.GetAllocSize(), 70003);
     EXPECT_EQ(std::string(s.GetData()), "[" + filler + "]");
-    s.Format("%y %s", "unknown conversions end the estimate");
-    EXPECT_NE(s.GetData()[0], 0);
 }
 
 TEST(Format, KeepsABlockThatIsLargeEnoughAndEndsSharing) {
