@@ -10,7 +10,8 @@ namespace qzr {
 // Replaces the local file when everything has arrived; on failure it is as it was.
 DWORD download(const wchar_t* url, const wchar_t* local_path);
 
-// Replaces the remote file. A part of it that arrived before a failure is deleted.
+// Replaces the remote file when everything has arrived, where the server can rename; see ftp_upload.cpp.
+// Nothing that others put there is deleted because a transfer failed.
 DWORD upload(const wchar_t* url, const wchar_t* local_path);
 
 // Deletes a remote file without looking whether it is there.

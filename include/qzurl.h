@@ -48,8 +48,9 @@ QZR_API int Fio_DownloadToFile(const wchar_t* url, const wchar_t* localPath);
 ///         is no URL, and on any failure
 QZR_API const wchar_t* Fio_DownloadToCacheFile(const wchar_t* url);
 
-/// Sends a local file, creating the remote directory. When the transfer breaks off, the part that arrived is
-/// deleted again; what the file held before is gone.
+/// Sends a local file, creating the remote directory. It is sent beside the remote file under a temporary
+/// name, compared in size and renamed: on failure the remote file is as it was. Only a server that takes no
+/// such name or renames nothing gets it in place, and keeps what arrived of it when that breaks off.
 /// @return non-zero, or 0 on any failure, also when the remote file is there and not writable
 QZR_API int Fio_UrlPutFile(const wchar_t* url, const wchar_t* localPath);
 

@@ -74,37 +74,63 @@ TEST_F(FtpMisbehaviour, Downloads) {
     }
 }
 
-// What breaks off leaves no part of the file on the server.
+// The old file is whole as long as the new one is not, and nothing that was sent stays beside it.
 TEST_F(FtpMisbehaviour, Uploads) {
-    const std::wstring local = work.file(L"a.bin", std::string(3 << 20, 'a'));
+    const std::string old(250000, 'o'), sent(300000, 'n');
+    enum Kept { kOld, kNew, kAny };
     const struct {
         const wchar_t* words;
-        bool arrives;
+        Kept there;
         bool stalls = false;
+        std::size_t beside = 0;
     } rows[] = {
-        {L"honest", true},  {L"nosize", true},         {L"short", false},       {L"short-keep", false},
-        {L"broken", false}, {L"broken-nosize", false}, {L"full", false},        {L"nodata", false},
-        {L"deaf", false},   {L"hangup", false},        {L"stall", false, true}, {L"vague", true},
+        {L"honest", kNew},
+        {L"nosize", kNew},
+        {L"vague", kNew},
+        {L"hidden", kNew},
+        {L"fussy", kNew},
+        {L"norename", kNew},
+        {L"noover", kNew},
+        {L"noover-keep", kNew, false, 1},
+        {L"lost", kNew},
+        {L"silent", kNew, true},
+        {L"lost-nosize", kOld},
+        {L"short", kOld},
+        {L"short-keep", kOld, false, 1},
+        {L"broken", kOld},
+        {L"broken-nosize", kOld},
+        {L"hidden-broken", kOld},
+        {L"cut", kOld},
+        {L"cut-nosize", kOld},
+        {L"stall", kOld, true},
+        {L"full", kOld},
+        {L"tight", kOld},
+        {L"nodata", kOld},
+        {L"deaf", kOld},
+        {L"hangup", kOld},
+        {L"fussy-broken", kAny}, // sent in place: damaged, and there
+    };
+    const std::wstring before = work.file(L"old.bin", old), local = work.file(L"new.bin", sent);
+    const std::wstring target = scripted(L"honest", L"doc.bin");
+    const auto fetched = [&](const wchar_t* name) {
+        EXPECT_NE(Fio_DownloadToFile(scripted(L"honest", name).c_str(), work.path(L"in.bin").c_str()), 0);
+        return work.contents(L"in.bin");
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(narrow(row.words));
-        const Patience patience(row.stalls);
-        const std::wstring name = std::wstring(row.words) + L".bin";
-        EXPECT_EQ(
-            timed([&] { return Fio_UrlPutFile(scripted(row.words, name).c_str(), local.c_str()) != 0; }),
-            row.arrives);
-        const bool there = row.arrives || std::wstring(row.words).find(L"keep") != std::wstring::npos;
-        EXPECT_EQ(Fio_IsFileExist(scripted(L"honest", name).c_str()), there ? 1 : 0);
+        ASSERT_NE(Fio_UrlPutFile(target.c_str(), before.c_str()), 0);
+        const std::size_t names = fetched(L"names.txt").size();
+        {
+            const Patience patience(row.stalls);
+            EXPECT_EQ(timed([&] {
+                          return Fio_UrlPutFile(scripted(row.words, L"doc.bin").c_str(), local.c_str()) != 0;
+                      }),
+                      row.there == kNew);
+        }
+        const std::string there = fetched(L"doc.bin");
+        EXPECT_TRUE(row.there == kAny || there == (row.there == kNew ? sent : old)) << there.size();
+        EXPECT_EQ(fetched(L"names.txt").size() > names ? 1u : 0u, row.beside);
     }
-}
-
-// The object cannot tell: what was written is lost, and nothing is left on either side.
-TEST_F(FtpMisbehaviour, CommitIsSilentWhenSendingFails) {
-    auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(scripted(L"broken", L"lost.bin").c_str(), QZFILE_WRITE));
-    file->Write("text", 4);
-    EXPECT_EQ(failure_of([&] { file->Commit(); }), "");
-    EXPECT_EQ(temp.count(), 0u);
-    EXPECT_EQ(Fio_IsFileExist(scripted(L"honest", L"lost.bin").c_str()), 0);
 }
 
 TEST_F(FtpMisbehaviour, Listings) {

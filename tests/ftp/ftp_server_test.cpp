@@ -221,6 +221,23 @@ TEST_F(FtpServer, FailsToSendWhatItCannot) {
     EXPECT_EQ(work.count(), 2u);
 }
 
+// The object cannot tell that its file was refused.
+TEST_F(FtpServer, KeepsTheOldFileOfAServerThatTakesNoLargeOnes) {
+    const std::string old(50000, 'o'), large(300000, 'n');
+    const std::wstring local = work.file(L"large.bin", large);
+    for (const std::wstring directory : {L"limited", L"hidden"}) {
+        SCOPED_TRACE(narrow(directory.c_str()));
+        const std::wstring name = directory + L"/doc.bin";
+        ASSERT_NE(Fio_UrlPutFile(url(name).c_str(), work.file(L"old.bin", old).c_str()), 0);
+        EXPECT_EQ(Fio_UrlPutFile(url(name).c_str(), local.c_str()), 0);
+        auto file = CQZRef<IXOutFile>::Adopt(Fio_OpenOut(url(name).c_str(), QZFILE_WRITE));
+        file->Write(large.data(), static_cast<unsigned>(large.size()));
+        EXPECT_EQ(failure_of([&] { file->Commit(); }), "");
+        EXPECT_TRUE(contents(name) == old);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(on_server(directory)), {}), 1);
+    }
+}
+
 TEST_F(FtpServer, KeepsACopyInTheCache) {
     put(L"cache.txt", "first");
     const wchar_t* const path = Fio_DownloadToCacheFile(url(L"cache.txt").c_str());

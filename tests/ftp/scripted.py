@@ -21,7 +21,15 @@ WORDS = {
     "broken": "sends or takes half of a file, and says so",
     "wordy": "says so at length",
     "stall": "sends half of a file, then nothing; takes a file, and never says so",
+    "cut": "ends the conversation in the middle of a listing or of a file that is not empty",
+    "lost": "takes a file that is not empty, and ends the conversation before it says so",
+    "silent": "takes a file that is not empty, and never says so",
     "full": "takes nothing of a file",
+    "tight": "has room for half a megabyte",
+    "hidden": "shows a new file when it is complete",
+    "fussy": "takes no temporary file of an upload",
+    "norename": "renames nothing",
+    "noover": "renames nothing to a name that is taken",
     "mute": "says nothing once the user is known",
     "nodata": "refuses data connections",
     "deaf": "names a port for data where nobody listens",
@@ -32,6 +40,8 @@ WORDS = {
 }
 
 SIZE = 100000
+NAMES = "/names.txt"  # what is there, of all
+ROOM = 1 << 19
 files = {"/file.bin": bytes(i * 7 % 251 for i in range(SIZE)), "/empty.bin": b""}
 directories = {"/"}
 lock = threading.Lock()
@@ -49,6 +59,7 @@ class Conversation:
         self.words = set()
         self.listener = None
         self.directory = "/"
+        self.renamed = None
 
     def run(self):
         try:
@@ -115,6 +126,19 @@ class Conversation:
             gone = "keep" not in self.words and files.pop(self.absolute(path), None) is not None
         self.say("250 deleted" if gone else "550 no such file")
 
+    def do_rnfr(self, path):
+        self.renamed = self.absolute(path)
+        known = "norename" not in self.words and self.renamed in files
+        self.say("350 to what?" if known else "550 no")
+
+    def do_rnto(self, path):
+        name = self.absolute(path)
+        with lock:
+            done = not ("noover" in self.words and name in files) and self.renamed in files
+            if done:
+                files[name] = files.pop(self.renamed)
+        self.say("250 renamed" if done else "553 no")
+
     # ---- transfers
 
     def do_pasv(self, _):
@@ -148,6 +172,10 @@ class Conversation:
         with self.data() as data:
             for line in lines:
                 data.sendall(line + b"\r\n")
+            if "stall" in self.words:
+                self.reader.read()
+            if {"cut", "stall"} & self.words:
+                raise Hangup
             while "endless" in self.words:
                 data.sendall(b"-rw-r--r-- 1 a b 1 Jan 1 2024 another.bin\r\n" * 100)
         self.say("226 that was all")
@@ -159,11 +187,12 @@ class Conversation:
             return
         if "hangup" in self.words:
             raise Hangup
-        half = {"short", "broken", "stall"} & self.words
+        half = {"short", "broken", "stall", "cut"} & self.words
         with self.data() as data:
             data.sendall(content[: len(content) // 2] if half else content)
             if "stall" in self.words:
                 self.reader.read()  # until the client goes away
+            if {"cut", "stall"} & self.words:
                 raise Hangup
         self.say_end()
 
@@ -174,20 +203,36 @@ class Conversation:
         name = self.absolute(path)
         if "hangup" in self.words:
             raise Hangup
-        with lock:
-            files[name] = b""
+        if "fussy" in self.words and name.startswith("/QZP"):
+            self.say("553 no such name")
+            return
+        if "hidden" not in self.words:
+            self.store(name, b"")
         content = b""
         with self.data() as data:
             while piece := data.recv(65536):
                 content += piece
-                if "broken" in self.words:
+                if {"broken", "cut"} & self.words:
                     break
-            if "stall" in self.words:
-                self.reader.read()
-                raise Hangup
-        with lock:
-            files[name] = content[: len(content) // 2] if "short" in self.words else content
+        if "cut" in self.words and content:
+            raise Hangup
+        if "stall" in self.words:
+            self.reader.read()
+            raise Hangup
+        if "tight" in self.words and len(content) + sum(len(d) for n, d in files.items() if n != name) > ROOM:
+            self.say("552 no room")
+            return
+        if "hidden" not in self.words or "broken" not in self.words:
+            self.store(name, content[: len(content) // 2] if {"short", "broken"} & self.words else content)
+        if "silent" in self.words and content:
+            self.reader.read()
+        if {"lost", "silent"} & self.words and content:
+            raise Hangup
         self.say_end()
+
+    def store(self, name, content):
+        with lock:
+            files[name] = content
 
     def say_end(self):
         if "broken" in self.words:
@@ -211,6 +256,8 @@ class Conversation:
 
     def content(self, path):
         name = self.absolute(path)
+        if name == NAMES:
+            return " ".join(sorted(files)).encode()
         on_disk = root / name[1:]
         return files[name] if name in files else on_disk.read_bytes() if on_disk.is_file() else None
 

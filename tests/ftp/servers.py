@@ -56,6 +56,13 @@ AllowOverwrite on
     DenyAll
   </Limit>
 </Directory>
+<Directory {scratch}/root/user/limited>
+  MaxStoreFileSize 100 Kb
+</Directory>
+<Directory {scratch}/root/user/hidden>
+  MaxStoreFileSize 100 Kb
+  HiddenStores on
+</Directory>
 <Anonymous {scratch}/root/anonymous>
   User {owner}
   Group {group}
@@ -92,7 +99,7 @@ def listen(address):
 
 def make_trees(scratch):
     root = scratch / "root"
-    for name in ("user/readonly", "user/sub", "anonymous"):
+    for name in ("user/readonly", "user/sub", "user/limited", "user/hidden", "anonymous"):
         (root / name).mkdir(parents=True)
     (root / "user/readonly/fixed.txt").write_text("fixed")
     (root / "anonymous/welcome.txt").write_text("welcome")
@@ -101,7 +108,7 @@ def make_trees(scratch):
     (root / "user/there.txt").chmod(0o666)
     for path in [scratch, root, *root.rglob("*")]:
         os.chown(path, UID, GID)
-    for name in ("user", "user/sub"):
+    for name in ("user", "user/sub", "user/limited", "user/hidden"):
         (root / name).chmod(0o777)
 
 
