@@ -104,18 +104,18 @@ TEST(ExceptionName, CopiesShareAndAnyOfThemFrees) {
 }
 
 TEST(ExceptionName, AssigningGivesUpTheOldOne) {
-    auto e = failure(L"old");
-    const auto copy = e;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
+        auto e = failure(L"old");
         e = failure(L"temporary");
-    EXPECT_STREQ(copy.m_pszFileName, L"old") << "somebody shows it still";
-    const auto a = failure(L"a"), b = failure(L"b");
+    }
+    auto a = failure(L"a");
+    const auto copy = a, b = failure(L"b");
     EXPECT_STREQ(a.m_pszFileName, L"a");
+    a = b;
+    EXPECT_EQ(a.m_pszFileName, b.m_pszFileName);
+    EXPECT_STREQ(copy.m_pszFileName, L"a") << "somebody shows it still";
+    a = *&a;
     EXPECT_STREQ(b.m_pszFileName, L"b");
-    e = b;
-    EXPECT_EQ(e.m_pszFileName, b.m_pszFileName);
-    e = *&e;
-    EXPECT_STREQ(e.m_pszFileName, L"b");
 }
 
 TEST(ExceptionName, StaysTerminatedWhenThreadsThrowAtOnce) {

@@ -10,6 +10,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -52,7 +53,7 @@ public:
     unsigned AddRef() override { return ++references; }
     unsigned Release() override {
         const unsigned left = --references;
-        when_released();
+        std::exchange(when_released, [] {})();
         return left;
     }
     int QueryInterface(const std::type_info& iid, IQZUnknown** out) override {
@@ -226,7 +227,6 @@ TEST(ServiceSink, MayUseTheContainerWhileThatGoes) {
     auto container = make_container();
     container->AddService("a", &sink);
     sink.when_released = [&, raw = container.Get()] {
-        sink.when_released = [] {};
         const auto counted = CQZRef<IQZServiceContainer>::Share(raw);
         EXPECT_TRUE(CQZRef<IQZServiceContainer>::Query(raw));
         EXPECT_EQ(raw->GetService("a", nullptr), 0);
