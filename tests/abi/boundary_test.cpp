@@ -139,7 +139,7 @@ TEST(Boundary, TheSystemsGetClassNameIsThereInEitherOrderOfIncludes) {
     const HWND desktop = GetDesktopWindow();
     EXPECT_EQ(GetClassName(desktop, here, 100), of_plugin(desktop, there, 100));
     EXPECT_STREQ(here, there);
-    EXPECT_EQ(GetClassName(desktop, wide, 100), static_cast<int>(wcslen(wide)));
+    EXPECT_EQ(GetClassName(desktop, wide, 100), static_cast<int>(std::strlen(here)));
 }
 
 TEST(Boundary, InterfaceIdsOfOtherModulesMatch) {

@@ -1,4 +1,4 @@
-// Strings, and texts that are translated on every thread while the dictionary stands still.
+// Strings, and texts that a hooked module loads on every thread.
 #include "qzexception.h"
 #include "qzref.h"
 #include "qzstring.h"
@@ -15,23 +15,10 @@
 
 namespace {
 
-constexpr unsigned kEntries = 500;
 constexpr unsigned kAppleId = 1; // "Apple" in the module's resources
 
 HMODULE module;
 Calls calls;
-
-std::wstring source(unsigned i) { return L"Source text " + std::to_wstring(i); }
-std::wstring translation(unsigned i) { return L"Target " + std::to_wstring(i * 7); }
-
-void translate(Work& work) {
-    for (int i = 0; i < 50; ++i) {
-        const auto n = static_cast<unsigned>(work.random.below(2 * kEntries));
-        const std::wstring text = source(n);
-        const std::wstring found = Supp_Translate(text.c_str());
-        work.require(found == (n < kEntries ? translation(n) : text), "another translation");
-    }
-}
 
 void load(Work& work) {
     wchar_t text[16] = {};
@@ -70,30 +57,19 @@ void edit(Work& work) {
 } // namespace
 
 void work_texts(Work& work) {
-    translate(work);
     load(work);
     edit(work);
 }
 
 void load_dictionary(Shared&, const std::wstring& folder) {
     const auto path = [&](const wchar_t* extension) { return std::filesystem::path(folder) / extension; };
-    {
-        std::ofstream file(path(L"soak.wld"), std::ios::binary);
-        file << "\"Apple\"\r\n\"Apfel\"\r\n";
-        for (unsigned i = 0; i < kEntries; ++i) {
-            const std::wstring from = source(i), to = translation(i);
-            file << '"' << std::string(from.begin(), from.end()) << "\"\r\n\""
-                 << std::string(to.begin(), to.end()) << "\"\r\n";
-        }
-    }
+    std::ofstream(path(L"soak.wld"), std::ios::binary) << "\"Apple\"\r\n\"Apfel\"\r\n";
     std::ofstream(path(L"soak.dlg"), std::ios::binary)
         << "[\\Dialogs\\soak.exe#1#101\\Dialog Size]\r\n0=t0,0,10,10\r\n";
     const bool loaded = Supp_AddWld(path(L"soak.wld").c_str()) == 1;
     std::filesystem::remove(path(L"soak.wld"));
     std::filesystem::remove(path(L"soak.dlg"));
     if (!loaded) throw std::runtime_error("the dictionary does not load");
-    for (unsigned i = 0; i < kEntries; ++i) // an entry takes its memory when it is first asked for
-        Supp_Translate(source(i).c_str());
 }
 
 // The hooks go out and in again.
