@@ -1,46 +1,44 @@
 #include "fio/ftp_lookup.h"
 
 #include "core/system_error.h"
-#include "fio/error_mode.h"
 #include "fio/file_info.h"
-#include "fio/ftp_session.h"
+#include "fio/ftp_listing.h"
+#include "fio/make_ftp_task.h"
 #include "qzurl.h"
 
 namespace qzr {
 
 namespace {
 
-class FindTask final : public FtpTask {
+class FindTask final : public ListingTask {
 public:
-    explicit FindTask(const wchar_t* url) : FtpTask(url, kListing) {}
+    explicit FindTask(const wchar_t* url) : ListingTask(url), name_(CXStringW(path()).FileName()) {}
 
     const WIN32_FIND_DATAW& found() const { return found_; }
 
 private:
-    // The listing of all names with the same extension. A server's answer that it has none, in whatever
-    // words, is no failure of ours: the file is missing.
+    // The listing of all names with the same extension.
     DWORD talk(HINTERNET connection) override {
-        const QuietErrorMode quiet;
         const CXStringW whole = path();
-        const CXStringW name = whole.FileName();
         const CXStringW pattern = whole.FilePath() + L"/*." + whole.FileExt();
-        const InternetHandle listing(FtpFindFirstFileW(connection, pattern, &found_, kFreshListing, 0));
-        if (!listing) return ERROR_FILE_NOT_FOUND;
-        do {
-            moved();
-            if (is_named(name)) return ERROR_SUCCESS;
-        } while (InternetFindNextFileW(listing.get(), &found_) != FALSE);
-        return ERROR_FILE_NOT_FOUND;
+        if (const DWORD error = list(connection, pattern); error != ERROR_SUCCESS) return error;
+        return is_found_ ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     }
 
-    // What a server lists is not to be trusted: the name may fill its buffer to the end.
-    bool is_named(const CXStringW& name) {
-        found_.cFileName[MAX_PATH - 1] = L'\0';
+    void take(const WIN32_FIND_DATAW& entry) override {
+        if (is_found_ || !is_named(entry.cFileName)) return;
+        found_ = entry;
+        is_found_ = true;
+    }
+
+    bool is_named(const wchar_t* listed) const {
         constexpr int kToTheEnd = -1;
         constexpr BOOL kIgnoreCase = TRUE;
-        return CompareStringOrdinal(found_.cFileName, kToTheEnd, name, kToTheEnd, kIgnoreCase) == CSTR_EQUAL;
+        return CompareStringOrdinal(listed, kToTheEnd, name_, kToTheEnd, kIgnoreCase) == CSTR_EQUAL;
     }
 
+    const CXStringW name_;
+    bool is_found_ = false;
     WIN32_FIND_DATAW found_ = {};
 };
 

@@ -1,12 +1,15 @@
 // Operations on remote files and directories.
 #include "core/system_error.h"
 #include "fio/ftp_lookup.h"
+#include "fio/ftp_reply.h"
 #include "fio/ftp_session.h"
 #include "fio/ftp_transfer.h"
+#include "fio/make_ftp_task.h"
 #include "qzexception.h"
 #include "qzurl.h"
 
 #include <algorithm>
+#include <atomic>
 #include <string_view>
 
 namespace qzr {
@@ -59,16 +62,34 @@ class ProbeTask final : public FtpTask {
 public:
     using FtpTask::FtpTask;
 
+    // Whether the file is there still, as far as is known; after a failure too.
+    bool may_stay() const { return may_stay_; }
+
 private:
     DWORD talk(HINTERNET connection) override {
+        may_stay_ = true;
         InternetHandle probe(FtpOpenFileW(connection, path(), GENERIC_WRITE, FTP_TRANSFER_TYPE_BINARY, 0));
-        if (!probe) return client_error();
+        if (!probe) {
+            const DWORD error = client_error();
+            may_stay_ = !Reply().is_failure();
+            return error;
+        }
         moved();
         probe.reset();
-        FtpDeleteFileW(connection, path());
+        may_stay_ = FtpDeleteFileW(connection, path()) == FALSE;
         return ERROR_SUCCESS;
     }
+
+    std::atomic<bool> may_stay_{false};
 };
+
+// Of a name that nobody has on the server. Where the conversation ends early, another one cleans up.
+bool can_be_written(const wchar_t* probe) {
+    const auto task = make_ftp_task<ProbeTask>(probe);
+    const bool written = run_ftp(task) == ERROR_SUCCESS;
+    if (task->may_stay()) delete_remote(probe);
+    return written;
+}
 
 // The directory part of a path, "." when it has none.
 CXStringW directory_part(const wchar_t* path) {
@@ -84,7 +105,10 @@ bool is_writable_directory(const wchar_t* url) {
     for (DWORD tick = GetTickCount(), tries = 0; tries < kProbeNames; ++tries) {
         CXStringW probe;
         probe.Format(L"%s\\%d.tmp", url, static_cast<int>(tick));
-        if (!remote_exists(probe)) return run_ftp(make_ftp_task<ProbeTask>(probe)) == ERROR_SUCCESS;
+        WIN32_FIND_DATAW found;
+        const DWORD error = find_remote(probe, found);
+        if (error == ERROR_FILE_NOT_FOUND) return can_be_written(probe);
+        if (error != ERROR_SUCCESS) return false;
         tick = std::max(tick + 1, GetTickCount());
     }
     return false;
@@ -100,7 +124,10 @@ int Fio_DownloadToFile(const wchar_t* url, const wchar_t* localPath) {
 
 int Fio_UrlPutFile(const wchar_t* url, const wchar_t* localPath) {
     if (Fio_IsFileExist(localPath) == 0) return 0;
-    if (qzr::remote_exists(url) && Fio_UrlIsWritableFile(url) == 0) return 0;
+    WIN32_FIND_DATAW found;
+    const DWORD error = qzr::find_remote(url, found);
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return qzr::answer(error);
+    if (error == ERROR_SUCCESS && Fio_UrlIsWritableFile(url) == 0) return 0;
     try {
         Fio_UrlCreateDirectory(qzr::directory_part(url));
     } catch (const CXException&) {
@@ -110,7 +137,9 @@ int Fio_UrlPutFile(const wchar_t* url, const wchar_t* localPath) {
 }
 
 int Fio_UrlDeleteFile(const wchar_t* url) {
-    return qzr::remote_exists(url) ? qzr::answer(qzr::delete_remote(url)) : 0;
+    WIN32_FIND_DATAW found;
+    const DWORD error = qzr::find_remote(url, found);
+    return qzr::answer(error == ERROR_SUCCESS ? qzr::delete_remote(url) : error);
 }
 
 void Fio_UrlCreateDirectory(const wchar_t* url) {
@@ -126,7 +155,8 @@ int Fio_UrlIsWritableFile(const wchar_t* url) {
     if (url == nullptr) return 0;
     WIN32_FIND_DATAW found = {};
     const DWORD error = qzr::find_remote(url, found);
-    if (error == ERROR_NO_UNICODE_TRANSLATION) return 0; // told now, not by a Commit that sends nothing
+    // What fails already is told now, not by a Commit that sends nothing.
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) return 0;
     if (error == ERROR_SUCCESS && (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return 0;
     return Fio_UrlIsWritableDir(qzr::directory_part(url));
 }

@@ -2,7 +2,9 @@
 
 #include "core/system_error.h"
 #include "qzexception.h"
+#include "qzurl.h"
 
+#include <new>
 #include <utility>
 
 namespace qzr {
@@ -47,7 +49,9 @@ DWORD client_error() noexcept {
 }
 
 DWORD FtpTask::take_apart(const wchar_t* url, UrlParts& parts) {
-    if (!split_url(url, parts) || parts.host.GetSize() == 0) return ERROR_INTERNET_INVALID_URL;
+    if (Fio_UrlCrack(url, parts.host, parts.user, parts.password, parts.path) == 0 ||
+        parts.host.GetSize() == 0)
+        return ERROR_INTERNET_INVALID_URL;
     return can_be_sent(url) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
 }
 
@@ -75,6 +79,8 @@ DWORD WINAPI FtpTask::thread_main(void* task) {
         try {
             self->result_ = self->connect_and_talk();
         } catch (const CXException&) {
+            self->result_ = ERROR_NOT_ENOUGH_MEMORY;
+        } catch (const std::bad_alloc&) {
             self->result_ = ERROR_NOT_ENOUGH_MEMORY;
         }
         self->keep([&] {

@@ -3,10 +3,9 @@
 // The platform's client waits in places where no time limit reaches it. So each conversation is a task that a
 // thread works on, and its caller gives it up when nothing has moved for a while: the task's resources are
 // closed as far as the platform lets go of them, the caller goes on, and the thread ends whenever the server
-// does. Until then it keeps the library loaded.
+// does. Until then it keeps the module that the task belongs to loaded.
 #pragma once
 
-#include "core/allocator.h"
 #include "core/native_lock.h"
 #include "core/win_handle.h"
 #include "fio/url_split.h"
@@ -91,10 +90,5 @@ private:
 // @return 0; or the error of the system, and then no result may be read from the task: its thread may be at
 // work still
 DWORD run_ftp(const std::shared_ptr<FtpTask>& task);
-
-template <class Task, class... Arguments>
-std::shared_ptr<Task> make_ftp_task(Arguments&&... arguments) {
-    return std::allocate_shared<Task>(HeapAllocator<Task>(), std::forward<Arguments>(arguments)...);
-}
 
 } // namespace qzr

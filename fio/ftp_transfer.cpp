@@ -4,6 +4,8 @@
 #include "core/system_error.h"
 #include "fio/ftp_reply.h"
 #include "fio/ftp_session.h"
+#include "fio/make_ftp_task.h"
+#include "fio/path_kind.h"
 #include "fio/temp_name.h"
 
 #include <optional>
@@ -83,6 +85,7 @@ CXStringW directory_of(const wchar_t* path) {
 
 DWORD download(const wchar_t* url, const wchar_t* local_path) {
     if (local_path == nullptr || *local_path == L'\0') return ERROR_PATH_NOT_FOUND;
+    if (is_memory_path(local_path)) return ERROR_INVALID_NAME;
     wchar_t arriving[kPathUnits] = L"";
     if (const DWORD error = make_temp_file(directory_of(local_path), arriving); error != ERROR_SUCCESS)
         return error;

@@ -7,6 +7,7 @@
 #include "fio/ftp_reply.h"
 #include "fio/ftp_session.h"
 #include "fio/ftp_transfer.h"
+#include "fio/make_ftp_task.h"
 
 #include <objbase.h>
 

@@ -18,9 +18,10 @@
 /// is percent-decoded. URLs with control characters are refused, and so is, by all that asks a server, what
 /// the system's ANSI code page lacks: the platform would send "?" for it, one name for many files.
 ///
-/// **Lookups** (info, existence, deleting, whether something is writable) search the server's listing for
-/// `*.` and the name's extension: a name without an extension counts as missing, and so does what the
-/// platform cannot read out of a listing, such as names with blanks.
+/// **Lookups** (info, existence, deleting, sending, whether something is writable) search the server's
+/// listing for `*.` and the name's extension: a name without an extension counts as missing, and so does what
+/// the platform cannot read out of a listing, such as names with blanks. A listing that breaks off is a
+/// failure, not a directory with fewer files.
 ///
 /// **Threads.** Only Fio_DownloadToCacheFile, and what uses Fio_GetTempFileName (Fio_UrlOpenOut and
 /// open_UrlStorage), are for one thread at a time.
@@ -61,15 +62,17 @@ QZR_API int Fio_UrlDeleteFile(const wchar_t* url); ///< @return non-zero, or 0 w
 QZR_API void Fio_UrlCreateDirectory(const wchar_t* url);
 
 /// Looks a remote file up: low 32 bits of its size, and its time as the server lists it. Throws
-/// CXFileException (QZOP_FILE_INFO): QZERR_NOT_FOUND for a missing file and a null info.
+/// CXFileException (QZOP_FILE_INFO): QZERR_NOT_FOUND for a missing file and a null info,
+/// QZERR_OTHER when the server did not list the directory to its end.
 QZR_API void Fio_UrlGetFileInfo(const wchar_t* url, FioFileInfo* info);
 
-/// Finds out by writing a small file into the directory and deleting it.
+/// Finds out by writing an empty file into the directory and deleting it.
 /// @return 1, or 0 when that fails
 QZR_API int Fio_UrlIsWritableDir(const wchar_t* url);
 
-/// @return 0 for null, for a name that cannot be sent and for a file that is listed as read-only; else what
-///         Fio_UrlIsWritableDir answers for the directory of the URL, whether there is such a file or not
+/// @return 0 for null, for a name that cannot be sent or looked up and for a file that is listed as
+///         read-only; else what Fio_UrlIsWritableDir answers for the directory of the URL, whether there is
+///         such a file or not
 QZR_API int Fio_UrlIsWritableFile(const wchar_t* url);
 
 /// Brings a remote file to a temporary one and opens that as Fio_Open does; GetName answers its path. What is

@@ -36,15 +36,15 @@ protected:
         EXPECT_LT(GetTickCount64() - begin, kBound);
         return answer;
     }
-    std::string honest_copy() {
-        EXPECT_NE(Fio_DownloadToFile(scripted(L"honest", L"file.bin").c_str(), work.path(L"honest").c_str()),
-                  0);
-        return work.contents(L"honest");
+    // A file as it is on the server.
+    std::string fetched(const wchar_t* name) {
+        EXPECT_NE(Fio_DownloadToFile(scripted(L"honest", name).c_str(), work.path(L"fetched").c_str()), 0);
+        return work.contents(L"fetched");
     }
 };
 
 TEST_F(FtpMisbehaviour, Downloads) {
-    const std::string whole = honest_copy();
+    const std::string whole = fetched(L"file.bin");
     ASSERT_EQ(whole.size(), 100000u);
     const struct {
         const wchar_t* words;
@@ -112,10 +112,6 @@ TEST_F(FtpMisbehaviour, Uploads) {
     };
     const std::wstring before = work.file(L"old.bin", old), local = work.file(L"new.bin", sent);
     const std::wstring target = scripted(L"honest", L"doc.bin");
-    const auto fetched = [&](const wchar_t* name) {
-        EXPECT_NE(Fio_DownloadToFile(scripted(L"honest", name).c_str(), work.path(L"in.bin").c_str()), 0);
-        return work.contents(L"in.bin");
-    };
     for (const auto& row : rows) {
         SCOPED_TRACE(narrow(row.words));
         ASSERT_NE(Fio_UrlPutFile(target.c_str(), before.c_str()), 0);
@@ -143,8 +139,11 @@ TEST_F(FtpMisbehaviour, Listings) {
         {L"dos", 0},
         {L"wide", 0},
         {L"garbage", QZERR_NOT_FOUND},
-        {L"nodata", QZERR_NOT_FOUND}, // a server that does not list has nothing to show
-        {L"deaf", QZERR_NOT_FOUND},
+        {L"nodata", QZERR_OTHER},
+        {L"deaf", QZERR_OTHER},
+        {L"list-broken", QZERR_OTHER},
+        {L"list-cut", QZERR_OTHER},
+        {L"list-stall", QZERR_OTHER, true},
         {L"mute", QZERR_OTHER, true},
         {L"endless", QZERR_OTHER, true},
     };
@@ -168,10 +167,14 @@ TEST_F(FtpMisbehaviour, ProbingEnds) {
     const struct {
         const wchar_t* words;
         int writable;
-    } rows[] = {{L"honest", 1}, {L"keep", 1}, {L"knows", 0}, {L"full", 0}, {L"hangup", 0}, {L"nodata", 0}};
+        std::size_t left = 0;
+    } rows[] = {{L"honest", 1},      {L"leaves", 1}, {L"knows", 0},  {L"full", 0},   {L"list-cut", 0},
+                {L"list-broken", 0}, {L"hangup", 0}, {L"nodata", 0}, {L"keep", 1, 1}};
     for (const auto& row : rows) {
         SCOPED_TRACE(narrow(row.words));
+        const std::size_t names = fetched(L"names.txt").size();
         EXPECT_EQ(timed([&] { return Fio_IsWritableDir(scripted(row.words, L"").c_str()); }), row.writable);
+        EXPECT_EQ(fetched(L"names.txt").size() > names ? 1u : 0u, row.left);
     }
 }
 

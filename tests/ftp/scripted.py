@@ -15,6 +15,7 @@ WORDS = {
     "dos": "lists as servers on DOS do",
     "garbage": "lists what is no listing",
     "endless": "lists names without end",
+    "list": "does with listings what the other words say of files",
     "nosize": "does not know SIZE",
     "vague": "answers SIZE without a number",
     "short": "sends half of a file and says that all is well",
@@ -36,6 +37,7 @@ WORDS = {
     "hangup": "ends the conversation when a file is asked for",
     "wide": "greets with a thousand lines",
     "keep": "deletes nothing",
+    "leaves": "ends the conversation when a file is to be deleted for the first time",
     "knows": "lists twenty numbered probes",
 }
 
@@ -44,6 +46,7 @@ NAMES = "/names.txt"  # what is there, of all
 ROOM = 1 << 19
 files = {"/file.bin": bytes(i * 7 % 251 for i in range(SIZE)), "/empty.bin": b""}
 directories = {"/"}
+farewells = set()
 lock = threading.Lock()
 root = None
 
@@ -104,6 +107,8 @@ class Conversation:
 
     def do_cwd(self, path):
         known = self.absolute(path) in directories
+        if known:
+            self.directory = self.absolute(path)
         self.say("250 there" if known else "550 no such directory")
 
     def do_mkd(self, path):
@@ -122,6 +127,9 @@ class Conversation:
             self.say(f"213 {len(data)}")
 
     def do_dele(self, path):
+        if "leaves" in self.words and path not in farewells:
+            farewells.add(path)
+            raise Hangup
         with lock:
             gone = "keep" not in self.words and files.pop(self.absolute(path), None) is not None
         self.say("250 deleted" if gone else "550 no such file")
@@ -158,6 +166,7 @@ class Conversation:
         self.say(f"227 entering passive mode ({host.replace('.', ',')},{port // 256},{port % 256})")
 
     def do_list(self, pattern):
+        pattern = posixpath.join(self.directory, pattern)
         pattern += "*" if pattern.endswith("/") else ""
         with lock:
             names = sorted(n for n in files if fnmatch.fnmatch(n, self.absolute(pattern)))
@@ -169,16 +178,17 @@ class Conversation:
             lines = [f"02-29-24  11:58PM {len(files.get(n, b'')):20} {n[1:]}".encode() for n in names]
         else:
             lines = [f"-rw-r--r--   1 owner group {len(files.get(n, b'')):12} Feb 29  2024 {n[1:]}".encode() for n in names]
+        listing = b"".join(line + b"\r\n" for line in lines)
+        breaks = self.words & {"broken", "stall", "cut"} if "list" in self.words else set()
         with self.data() as data:
-            for line in lines:
-                data.sendall(line + b"\r\n")
-            if "stall" in self.words:
-                self.reader.read()
-            if {"cut", "stall"} & self.words:
+            data.sendall(listing[: len(listing) // 2] if breaks else listing)
+            if "stall" in breaks:
+                self.reader.read()  # until the client goes away
+            if {"cut", "stall"} & breaks:
                 raise Hangup
             while "endless" in self.words:
                 data.sendall(b"-rw-r--r-- 1 a b 1 Jan 1 2024 another.bin\r\n" * 100)
-        self.say("226 that was all")
+        self.say("426 sorry" if "broken" in breaks else "226 that was all")
 
     def do_retr(self, path):
         content = self.content(path)

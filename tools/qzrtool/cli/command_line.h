@@ -5,6 +5,7 @@
 #include "cli/diagnostics.h"
 #include "cli/progress.h"
 #include "cli/view.h"
+#include "system/remote.h"
 
 #include <span>
 #include <string>
@@ -24,6 +25,7 @@ struct Options {
     bool compact = false; // text files as the library writes them, without line breaks between values
     ProgressChoice progress = ProgressChoice::automatic;
     bool yes = false; // do without asking
+    unsigned timeout = kListingTimeout;
 };
 
 struct Command;

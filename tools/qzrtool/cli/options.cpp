@@ -12,6 +12,10 @@ bool set_number(unsigned& number, const std::string& value) {
     return result.ec == std::errc() && result.ptr == end;
 }
 
+bool set_timeout(Options& options, const std::string& value) {
+    return set_number(options.timeout, value) && options.timeout > 0;
+}
+
 bool set_depth(Options& options, const std::string& value) {
     const char* end = value.data() + value.size();
     const auto result = std::from_chars(value.data(), end, options.view.deepest);
@@ -64,6 +68,8 @@ constexpr Option kOptions[] = {
      [](Options& o, const std::string&) { return o.plain = true; }, false},
     {"progress", "WHEN", "show a bar always, never, or auto: on a terminal, when it takes long", set_progress,
      false},
+    {"timeout", "SECONDS", "give up a server's listing of which nothing has come for so long (120)",
+     set_timeout, false},
     {"yes", nullptr, "do it without asking", [](Options& o, const std::string&) { return o.yes = true; },
      false},
     {"compact", nullptr, "write one line for each section of a text file, instead of one for each value",

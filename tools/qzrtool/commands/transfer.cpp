@@ -67,7 +67,7 @@ ExitCode run_file_put(Invocation& invocation) {
 
 ExitCode run_file_ls(Invocation& invocation) {
     const std::wstring& place = invocation.arguments[0];
-    auto entries = is_remote(place) ? list_remote(place) : list_local(place);
+    auto entries = is_remote(place) ? list_remote(place, invocation.options.timeout) : list_local(place);
     std::sort(entries.begin(), entries.end(),
               [](const RemoteEntry& a, const RemoteEntry& b) { return a.name < b.name; });
     for (const RemoteEntry& entry : entries) {

@@ -1,53 +1,71 @@
 #include "system/remote.h"
 
-#include "qzurl.h"
+#include "fio/ftp_listing.h"
+#include "fio/ftp_reply.h"
+#include "qzstring.h"
 #include "system/encoding.h"
 #include "system/failure.h"
 
-#include <windows.h>
-#include <wininet.h>
-
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace tool {
 
 namespace {
 
 constexpr std::wstring_view kScheme = L"ftp://";
-constexpr DWORD kPatience = 30000; // milliseconds without an answer
 
-/// A handle of the platform's internet functions, closed in the end.
-class Internet {
-public:
-    explicit Internet(HINTERNET handle) : handle_(handle) {}
-    ~Internet() {
-        if (handle_ != nullptr) InternetCloseHandle(handle_);
-    }
-    Internet(const Internet&) = delete;
-    Internet& operator=(const Internet&) = delete;
-
-    HINTERNET get() const { return handle_; }
-    explicit operator bool() const { return handle_ != nullptr; }
-
-private:
-    HINTERNET handle_;
-};
-
-const wchar_t* text_or_null(const CXStringW& text) { return text.GetSize() != 0 ? text.GetData() : nullptr; }
-
-void limit_waiting(const Internet& session) {
-    DWORD limit = kPatience;
-    for (const DWORD option :
-         {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
-        InternetSetOptionW(session.get(), option, &limit, sizeof limit);
-    }
-}
-
-RemoteEntry entry_of(WIN32_FIND_DATAW& found) {
-    found.cFileName[MAX_PATH - 1] = L'\0'; // what a server lists is not to be trusted
+RemoteEntry entry_of(const WIN32_FIND_DATAW& found) {
     const unsigned long long high = found.nFileSizeHigh;
     return {found.cFileName, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
             (high << 32) + found.nFileSizeLow};
+}
+
+/// Everything in the directory that an address names.
+class DirectoryTask final : public qzr::ListingTask {
+public:
+    using ListingTask::ListingTask;
+
+    std::vector<RemoteEntry>& entries() { return entries_; }
+
+private:
+    /// A server may list nothing for what does not exist, so the directory is entered first.
+    DWORD talk(HINTERNET connection) override {
+        const wchar_t* const directory = *path() != L'\0' ? path() : L"/";
+        if (FtpSetCurrentDirectoryW(connection, directory) == FALSE) {
+            const DWORD error = qzr::client_error();
+            return qzr::is_final_failure(qzr::Reply().code()) ? DWORD{ERROR_PATH_NOT_FOUND} : error;
+        }
+        moved();
+        return list(connection, L"*");
+    }
+
+    void take(const WIN32_FIND_DATAW& entry) override { entries_.push_back(entry_of(entry)); }
+
+    std::vector<RemoteEntry> entries_;
+};
+
+const char* reason_of(DWORD error) {
+    switch (error) {
+    case ERROR_INTERNET_INVALID_URL:
+        return "is no address";
+    case ERROR_NO_UNICODE_TRANSLATION:
+        return "has characters that cannot be sent in this system's code page";
+    case ERROR_PATH_NOT_FOUND:
+        return "there is no such directory";
+    case ERROR_INTERNET_TIMEOUT:
+        return "the listing does not come to an end";
+    case ERROR_INTERNET_NAME_NOT_RESOLVED:
+    case ERROR_INTERNET_CANNOT_CONNECT:
+        return "there is no connection";
+    case ERROR_INTERNET_LOGIN_FAILURE:
+    case ERROR_INTERNET_INCORRECT_USER_NAME:
+    case ERROR_INTERNET_INCORRECT_PASSWORD:
+        return "the server does not let us in";
+    default:
+        return "cannot be listed as a whole";
+    }
 }
 
 } // namespace
@@ -69,35 +87,13 @@ std::string without_passwords(std::string text) {
     return text;
 }
 
-std::vector<RemoteEntry> list_remote(const std::wstring& url) {
-    const std::string shown = without_passwords(printable(utf8(url)));
-    CXStringW host, user, password, path;
-    if (Fio_UrlCrack(url.c_str(), host, user, password, path) == 0) fail(shown + ": is no address");
-    const Internet session(InternetOpenW(nullptr, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
-    if (!session) fail(shown + ": there is no connection");
-    limit_waiting(session);
-    const Internet connection(InternetConnectW(session.get(), host.GetData(), INTERNET_DEFAULT_FTP_PORT,
-                                               text_or_null(user), text_or_null(password),
-                                               INTERNET_SERVICE_FTP, INTERNET_FLAG_PASSIVE, 0));
-    if (!connection) fail(shown + ": the server does not let us in");
-
-    std::wstring pattern = path.GetData();
-    while (pattern.ends_with(L'/') || pattern.ends_with(L'\\')) {
-        pattern.pop_back();
-    }
-    pattern += L"/*";
-    WIN32_FIND_DATAW found = {};
-    const Internet listing(
-        FtpFindFirstFileW(connection.get(), pattern.c_str(), &found, INTERNET_FLAG_RELOAD, 0));
-    std::vector<RemoteEntry> entries;
-    if (!listing) {
-        if (GetLastError() == ERROR_NO_MORE_FILES) return entries;
-        fail(shown + ": cannot be listed");
-    }
-    do {
-        entries.push_back(entry_of(found));
-    } while (InternetFindNextFileW(listing.get(), &found) != FALSE);
-    return entries;
+std::vector<RemoteEntry> list_remote(const std::wstring& url, unsigned timeout) {
+    constexpr DWORD kSecond = 1000;
+    constexpr unsigned kMostSeconds = 24 * 60 * 60;
+    const auto task = std::make_shared<DirectoryTask>(url.c_str(), std::min(timeout, kMostSeconds) * kSecond);
+    const DWORD error = qzr::run_ftp(task);
+    if (error != ERROR_SUCCESS) fail(without_passwords(printable(utf8(url))) + ": " + reason_of(error));
+    return std::move(task->entries());
 }
 
 } // namespace tool

@@ -19,7 +19,10 @@ struct RemoteEntry {
     unsigned long long size;
 };
 
-/// What a directory of a server holds, in the server's order. Fails when it cannot be listed.
-std::vector<RemoteEntry> list_remote(const std::wstring& url);
+constexpr unsigned kListingTimeout = 120; // seconds
+
+/// What a directory of a server holds, in the server's order. Fails when it cannot be listed to its end.
+/// @param timeout seconds without a move that are one too many
+std::vector<RemoteEntry> list_remote(const std::wstring& url, unsigned timeout);
 
 } // namespace tool
