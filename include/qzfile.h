@@ -153,7 +153,7 @@ QZR_API IXOutFile* Fio_OpenOut(const wchar_t* path, int mode);
 // first. Queries answer 0 instead. Threads may call them at the same time, except for Fio_GetTempFileName and
 // for the current directory, which is the process's.
 
-/// Copies a file with its attributes. QZOP_COPY.
+/// Copies a file with its attributes. QZOP_COPY; QZERR_BAD_PATH when one of the paths is a memory path.
 /// @param failIfExists non-zero refuses a dst that exists; 0 replaces it
 QZR_API void Fio_CopyFile(const wchar_t* src, const wchar_t* dst, int failIfExists);
 
@@ -164,14 +164,16 @@ QZR_API void Fio_CreateDirectory(const wchar_t* path);
 QZR_API void Fio_DeleteDirectory(const wchar_t* path); ///< removes an empty directory; QZOP_REMOVE_DIRECTORY
 /// Deletes a file; QZOP_DELETE. Of a memory path nothing happens, and of a URL no failure is told.
 QZR_API void Fio_DeleteFile(const wchar_t* path);
-QZR_API void Fio_RenameFile(const wchar_t* from, const wchar_t* to); ///< to must not exist; QZOP_RENAME
+/// Renames or moves a file; to must not exist. QZOP_RENAME; QZERR_BAD_PATH when one is a memory path.
+QZR_API void Fio_RenameFile(const wchar_t* from, const wchar_t* to);
 
 /// Never throws; the text is empty when the directory does not fit.
 /// @param size places in the buffer; with 0 and less it is left alone
 QZR_API void Fio_GetCurrentDirectory(wchar_t* buffer, int size);
 QZR_API void Fio_SetCurrentDirectory(const wchar_t* path); ///< QZOP_CHANGE_DIRECTORY
 
-/// What Fio_GetFileInfo tells. The time is that of the last write, in UTC.
+/// What Fio_GetFileInfo tells. The time is that of the last write, in UTC; of a remote file as its server
+/// lists it.
 struct FioFileInfo {
     unsigned size;      ///< low 32 bits of the size in bytes
     unsigned second;    ///< 0 to 59
@@ -213,13 +215,13 @@ QZR_API const wchar_t* Fio_GetTempFileName();
 // ------------------------------------------------------------------------------------------ lock registry
 //
 // A process-wide list of locked paths. While a path has a lock nobody outside the library can open it for
-// writing; the library's own files can, unless the lock is exclusive. Paths match as written, case ignored;
-// null, and paths of 512 units and more, take no part. Let one thread at a time take and give back locks;
-// files may be opened on several meanwhile.
+// writing; the library's own files can be opened, unless the lock is exclusive, and share the path as they do
+// without it. Paths match as written, case ignored; null, and paths of 512 units and more, take no part. Let
+// one thread at a time take and give back locks; files may be opened on several meanwhile.
 
-/// Takes one lock. Its failure is not reported: Fio_LockCount tells. The first lock of a path opens the file,
-/// for reading and writing and with others allowed to read; a shared lock on a missing file is recorded
-/// without.
+/// Takes one lock. Its failure, of a read-only file too, is not reported: Fio_LockCount tells. The first lock
+/// of a path opens the file, for reading and writing and with others allowed to read; a shared lock on a
+/// missing file is recorded without.
 QZR_API void Fio_LockFile(const wchar_t* path, bool exclusive);
 
 /// Gives one lock back; after the last one the file is closed. More of them than were taken do no harm.
