@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <latch>
 #include <string>
 #include <thread>
 #include <utility>
@@ -197,16 +196,8 @@ TEST(Heap, ServesManyThreadsAtOnce) {
     EXPECT_EQ(requested_bytes() - before, kThreads * expected);
 }
 
-// Installed once for the life of the process; each test tells it what to do.
 class LowMemorySink : public ILowMemoryNotifySink {
 public:
-    static LowMemorySink& installed() {
-        static LowMemorySink sink;
-        static const bool once = (Mem_SetLowMemoryNotifySink(&sink), true);
-        EXPECT_TRUE(once);
-        return sink;
-    }
-
     int OnLowMemory(unsigned attempt) override {
         if (throws) throw 42;
         attempts.push_back(attempt);
@@ -220,9 +211,17 @@ public:
     std::function<void()> meanwhile;
 };
 
-TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
-    const auto heap = make_heap();
-    LowMemorySink& sink = LowMemorySink::installed();
+// The sink is installed once for the life of the process; each test tells it what to do.
+class LowMemory : public testing::Test {
+protected:
+    static void SetUpTestSuite() { Mem_SetLowMemoryNotifySink(&sink); }
+    void TearDown() override { sink = LowMemorySink(); }
+
+    static inline LowMemorySink sink;
+    const CQZRef<IHeap> heap = make_heap();
+};
+
+TEST_F(LowMemory, SinkIsAskedUntilItGivesUp) {
     sink.retries = 2;
     for (const unsigned long long size : {kRefused, ~0ull}) {
         SCOPED_TRACE(size);
@@ -234,22 +233,20 @@ TEST(LowMemory, SinkIsAskedUntilItGivesUp) {
 
 // Both are refused before either asks the sink, which can make room only once.
 std::atomic<bool> full{false};
-std::latch* both_refused = nullptr;
+std::atomic<int> threads_refused{0};
 thread_local bool refused_before = false;
 
 void* WINAPI alloc_unless_full(HANDLE heap, DWORD flags, SIZE_T size) {
     if (!full) return HeapAlloc(heap, flags, size);
-    if (!std::exchange(refused_before, true)) both_refused->arrive_and_wait();
+    if (!std::exchange(refused_before, true)) ++threads_refused;
+    while (threads_refused < 2)
+        Sleep(1);
     return nullptr;
 }
 
-TEST(LowMemory, RoomThatOneThreadsSinkMadeServesTheOther) {
-    const auto heap = make_heap();
-    LowMemorySink& sink = LowMemorySink::installed();
+TEST_F(LowMemory, RoomThatOneThreadsSinkMadeServesTheOther) {
     sink.retries = 1;
     sink.meanwhile = [] { full = false; };
-    std::latch latch(2);
-    both_refused = &latch;
     const ImportMock mock("qzrcore.dll", "HeapAlloc", reinterpret_cast<void*>(&alloc_unless_full));
     full = true;
     const auto request = [&] { EXPECT_NO_THROW(heap->Alloc(1)); };
@@ -270,12 +267,10 @@ BOOL WINAPI note_free(HANDLE heap, DWORD flags, LPVOID block) {
 }
 
 // Blocks of texts are kept for the next text; none of them may be missing when memory runs out.
-TEST(LowMemory, TextsThatWereLetGoAreMemory) {
+TEST_F(LowMemory, TextsThatWereLetGoAreMemory) {
     const struct {
         bool dropped_before, asked_elsewhere;
     } rows[] = {{false, false}, {false, true}, {true, false}, {true, true}};
-    const auto heap = make_heap();
-    LowMemorySink& sink = LowMemorySink::installed();
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.dropped_before << row.asked_elsewhere);
         std::vector<CXString> texts;
@@ -307,11 +302,10 @@ void* WINAPI commit_or_refuse(void* place, SIZE_T bytes, DWORD type, DWORD prote
 }
 
 // Large memory streams lie outside the heap.
-TEST(LowMemory, LargeStreamsAskTheSinkAndAreCounted) {
+TEST_F(LowMemory, LargeStreamsAskTheSinkAndAreCounted) {
     constexpr unsigned kMiB = 1u << 20;
     const auto stream = CQZRef<IXStream>::Adopt(new_StreamOnMemory());
     const auto block = CQZRef<IMemBlock>::Require(stream.Get());
-    LowMemorySink& sink = LowMemorySink::installed();
     sink.meanwhile = [&] { space_refused = sink.retries == 0; };
     const ImportMock mock("qzrcore.dll", "VirtualAlloc", reinterpret_cast<void*>(&commit_or_refuse));
     const struct {
@@ -339,9 +333,7 @@ TEST(LowMemory, LargeStreamsAskTheSinkAndAreCounted) {
 }
 
 // Nobody takes what the sink is about to give back; the sink itself may allocate.
-TEST(LowMemory, OtherThreadsWaitWhileTheSinkIsAsked) {
-    const auto heap = make_heap();
-    LowMemorySink& sink = LowMemorySink::installed();
+TEST_F(LowMemory, OtherThreadsWaitWhileTheSinkIsAsked) {
     sink.retries = 0;
     std::atomic<bool> served{false};
     std::thread other;
@@ -355,24 +347,20 @@ TEST(LowMemory, OtherThreadsWaitWhileTheSinkIsAsked) {
         EXPECT_FALSE(served);
     };
     EXPECT_THROW(heap->Alloc(kRefused), CXMemException);
-    sink.meanwhile = nullptr;
     other.join();
     EXPECT_TRUE(served);
 }
 
-TEST(LowMemory, SecondSinkIsRefused) {
-    LowMemorySink& sink = LowMemorySink::installed();
+TEST_F(LowMemory, SecondSinkIsRefused) {
     for (ILowMemoryNotifySink* second :
          {static_cast<ILowMemoryNotifySink*>(&sink), static_cast<ILowMemoryNotifySink*>(nullptr)}) {
         EXPECT_EQ(failure_of([&] { Mem_SetLowMemoryNotifySink(second); }), "code 10");
     }
 }
 
-TEST(LowMemory, SinkThatThrowsLeavesTheLockFree) {
-    LowMemorySink& sink = LowMemorySink::installed();
+TEST_F(LowMemory, SinkThatThrowsLeavesTheLockFree) {
     sink.throws = true;
     EXPECT_THROW(Mem_DefaultHeap(0)->Alloc(kRefused), int);
-    sink.throws = false;
     std::thread([] { Mem_DefaultHeap(0)->Free(Mem_DefaultHeap(0)->Alloc(1)); }).join();
 }
 
