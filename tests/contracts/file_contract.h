@@ -119,6 +119,12 @@ TYPED_TEST_P(FileContract, ContentsOfEverySizeAreReadWholeAndInPieces) {
         EXPECT_EQ(byte, 'x');
         EXPECT_TRUE(this->read_all(*file, 1000) == bytes);
         if (size == 0) continue;
+        std::string few(100, '.');
+        for (unsigned count = 0; count <= 80 && 7 + count <= size; ++count) {
+            file->Seek(7, 0);
+            EXPECT_EQ(file->Read(few.data() + 1, count), count);
+            EXPECT_EQ(few, "." + bytes.substr(7, count) + std::string(99 - count, '.'));
+        }
         file->Seek(size / 2, 0);
         std::string rest(size, '\0');
         EXPECT_EQ(file->Read(rest.data(), 0xFFFFFFFF), size - size / 2) << "position and count pass 4 GiB";

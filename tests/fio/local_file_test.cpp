@@ -121,21 +121,6 @@ TEST(LocalFile, ClosingLeavesExactlyWhatWasWritten) {
     EXPECT_EQ(folder.contents(L"document"), "ab23456789");
 }
 
-TEST(LocalFile, ReadsExactlyAsFewBytesAsAskedFor) {
-    const ScratchFolder folder;
-    std::string contents(100, '\0');
-    for (std::size_t i = 0; i < contents.size(); ++i)
-        contents[i] = static_cast<char>('0' + i);
-    const File file = open_file(folder.file(L"few", contents), QZFILE_READ);
-    for (unsigned count = 0; count <= 80; ++count) {
-        SCOPED_TRACE(count);
-        std::string buffer(100, '.');
-        file->Seek(7, 0);
-        EXPECT_EQ(file->Read(buffer.data() + 1, count), count);
-        EXPECT_EQ(buffer, "." + contents.substr(7, count) + std::string(99 - count, '.'));
-    }
-}
-
 TEST(LocalFile, WithoutAPathATemporaryFileIsMade) {
     for (const int mode : {QZFILE_WRITE + 0, QZFILE_WRITE | QZFILE_TEMPORARY}) {
         SCOPED_TRACE(mode);

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace {
 
 // The file, opened by somebody else.
@@ -157,25 +155,6 @@ TEST(LockRegistry, LetsGoAndTakesBackButNotAnExclusiveLock) {
     Fio_ChangeNELock(path.c_str(), false); // there is nothing to take back
     EXPECT_EQ(Fio_LockCount(path.c_str(), false), 1);
     Fio_UnlockFile(path.c_str(), false);
-}
-
-TEST(LockRegistry, StaysCheapWithManyPaths) {
-    std::vector<std::wstring> paths;
-    for (int i = 0; i < 20000; ++i)
-        paths.push_back(L"Q:\\there\\is\\no\\such\\drive\\" + std::to_wstring(i));
-    const ULONGLONG begin = GetTickCount64();
-    for (const std::wstring& path : paths)
-        Fio_LockFile(path.c_str(), false);
-    const ULONGLONG locked = GetTickCount64();
-    for (int round = 0; round < 10; ++round)
-        for (const std::wstring& path : paths)
-            ASSERT_EQ(Fio_LockCount(path.c_str(), false), 1);
-    const ULONGLONG counted = GetTickCount64();
-    for (const std::wstring& path : paths)
-        Fio_UnlockFile(path.c_str(), false);
-    // Along a list the 200,000 look-ups would compare 2,000 million paths.
-    EXPECT_LT(counted - locked, 5000u) << "locking took " << locked - begin << " ms";
-    EXPECT_EQ(Fio_LockCount(paths[0].c_str(), false), 0);
 }
 
 // --- beside others: to the system it is the same whether they are in this process or in another one

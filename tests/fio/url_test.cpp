@@ -3,12 +3,8 @@
 
 #include "qzstring.h"
 #include "support/file_failure.h"
-#include "support/refused_call.h"
-#include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
-
-#include <optional>
 
 namespace {
 
@@ -67,28 +63,6 @@ TEST(Url, Parts) {
     CXStringW parts[4];
     EXPECT_EQ(Fio_UrlCrack(deep.c_str(), parts[0], parts[1], parts[2], parts[3]), 1);
     EXPECT_EQ(parts[3].GetLength(), 100001u);
-}
-
-// Each call of the platform on the way to a server, failing alone, some without naming an error.
-TEST(Url, FailsWithThePlatform) {
-    const ScratchFolder folder;
-    const std::wstring local = folder.file(L"local", "before");
-    const wchar_t url[] = L"ftp://127.0.0.3/x.txt";
-    const std::pair<const char*, DWORD> rows[] = {{"CreateThread", ERROR_NOT_ENOUGH_MEMORY},
-                                                  {"InternetOpenW", ERROR_SUCCESS},
-                                                  {"InternetConnectW", ERROR_SUCCESS},
-                                                  {"InternetCrackUrlW", ERROR_NOT_ENOUGH_MEMORY},
-                                                  {"GetTempFileNameW", ERROR_NOT_ENOUGH_MEMORY}};
-    for (const auto& [function, error] : rows) {
-        SCOPED_TRACE(function);
-        const RefusedCall refused(function, error);
-        EXPECT_EQ(Fio_DownloadToFile(url, local.c_str()), 0);
-        EXPECT_EQ(folder.contents(L"local"), "before");
-        EXPECT_EQ(folder.count(), 1u);
-        EXPECT_EQ(Fio_IsFileExist(url), 0);
-        EXPECT_EQ(Fio_UrlPutFile(url, local.c_str()), 0);
-        EXPECT_EQ(Fio_UrlIsWritableDir(url), 0);
-    }
 }
 
 } // namespace

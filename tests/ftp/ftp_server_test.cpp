@@ -344,7 +344,8 @@ TEST_F(FtpServer, OtherOperationsRefuseAddresses) {
     }
 }
 
-// Each call in the middle of a transfer, failing alone.
+// Each call on the way to a server and in the middle of a transfer, failing alone, some without naming an
+// error.
 TEST_F(FtpServer, FailsWithThePlatform) {
     put(L"fetch.txt", "remote");
     const std::wstring local = work.file(L"local.txt", "local");
@@ -353,10 +354,19 @@ TEST_F(FtpServer, FailsWithThePlatform) {
         bool download;
         DWORD error;
     } rows[] = {
-        {"WriteFile", true, ERROR_DISK_FULL},   {"InternetReadFile", true, ERROR_SUCCESS},
-        {"MoveFileExW", true, ERROR_DISK_FULL}, {"FtpOpenFileW", true, ERROR_SUCCESS},
-        {"ReadFile", false, ERROR_DISK_FULL},   {"InternetWriteFile", false, ERROR_SUCCESS},
+        {"WriteFile", true, ERROR_DISK_FULL},
+        {"InternetReadFile", true, ERROR_SUCCESS},
+        {"MoveFileExW", true, ERROR_DISK_FULL},
+        {"FtpOpenFileW", true, ERROR_SUCCESS},
+        {"ReadFile", false, ERROR_DISK_FULL},
+        {"InternetWriteFile", false, ERROR_SUCCESS},
         {"FtpOpenFileW", false, ERROR_SUCCESS},
+        {"CreateThread", false, ERROR_NOT_ENOUGH_MEMORY},
+        {"InternetOpenW", false, ERROR_SUCCESS},
+        {"InternetConnectW", true, ERROR_SUCCESS},
+        {"InternetCrackUrlW", true, ERROR_NOT_ENOUGH_MEMORY},
+        {"GetTempFileNameW", true, ERROR_NOT_ENOUGH_MEMORY},
+        {"FtpFindFirstFileW", false, ERROR_SUCCESS},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.function) + (row.download ? " fetching" : " sending"));

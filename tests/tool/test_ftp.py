@@ -63,13 +63,14 @@ class Ftp(ProgramTest):
         self.assertEqual(self.tool("file", "ls", SERVER + "readonly/").out, "           5  fixed.txt\n")
         os.mkdir(self.remote("bare"))
         self.assertEqual(self.tool("file", "ls", SERVER + "bare").out, "")
-        for address, reason in (
-                (scripted("endless"), "does not come to an end"), (scripted("list-stall"), "does not come to an end"),
-                (scripted("list-cut"), "as a whole"), (scripted("list-broken"), "as a whole"), (scripted("nodata"), "as a whole"),
+        for address, reason, *options in (
+                (scripted("endless"), "does not come to an end", "--timeout=2"),
+                (scripted("list-stall"), "does not come to an end", "--timeout=2"),
+                (scripted("list-cut"), "as a whole"), (scripted("list-broken"), "as a whole"), (scripted("nodata"), "no connection"),
                 (scripted("honest", "none"), "no such directory"), (SERVER + "none", "no such directory"),
                 (SERVER + "\u65e5", "cannot be sent")):
             with self.subTest(address=address):
-                result = self.tool("file", "ls", "--timeout=2", address, code=TROUBLE)
+                result = self.tool("file", "ls", *options, address, code=TROUBLE, env={"QZR_LOCALE": "C.UTF-8"})
                 self.assertIn(reason, result.err)
                 self.assertEqual(result.out, "")
 
