@@ -30,6 +30,7 @@ unsigned dword(const unsigned char* at) { return word(at) | word(at + 2) << 16; 
 
 using Bytes = Vector<unsigned char>;
 using Table = Vector<unsigned>;
+using Marks = Vector<TableFindings::OddMark>;
 
 // For each number of a table the length of the chain from there on. A chain is followed once, up to where it
 // meets one that was followed before: streams may share the rest of theirs.
@@ -56,6 +57,7 @@ public:
     unsigned highest(unsigned first) const { return highest_[first]; }
 
     unsigned next(unsigned number) const { return table_[number]; }
+    bool was_followed(unsigned number) const { return number < table_.size() && lengths_[number] != 0; }
     bool is_free(unsigned number) const { return number < table_.size() && table_[number] == kUnused; }
 
 private:
@@ -98,11 +100,18 @@ public:
             found_.safe = takes_sizes(header) && takes_sector_table(header) &&
                           takes_directory(dword(&header[48])) && takes_small_table(dword(&header[60])) &&
                           has_safe_entries();
+        found_.mendable = std::none_of(found_.odd_marks.begin(), found_.odd_marks.end(),
+                                       [this](const auto& mark) { return lies_in_chain(mark.position); });
         return std::move(found_);
     }
 
 private:
     std::uint64_t position_of(unsigned sector) const { return (std::uint64_t{sector} + 1) << shift_; }
+
+    bool lies_in_chain(std::uint64_t position) const {
+        return position >> shift_ != 0 &&
+               chains_.was_followed(static_cast<unsigned>((position >> shift_) - 1));
+    }
 
     bool present(unsigned sector) const { return sector < kFirstMark && position_of(sector) < size_; }
 
@@ -268,12 +277,27 @@ public:
                    : 0;
     }
 
-    void mend(const TableFindings::OddMark& odd) {
-        DWORD written = 0;
-        if (seek(odd.position)) WriteFile(file_, &odd.should_be, sizeof odd.should_be, &written, nullptr);
+    // Neighbours go together. Marks are in the order of their positions.
+    bool mend(const Marks& marks) {
+        Table run;
+        for (std::size_t i = 0; i < marks.size(); i += run.size()) {
+            run.clear();
+            while (i + run.size() < marks.size() &&
+                   marks[i + run.size()].position == marks[i].position + run.size() * sizeof(unsigned))
+                run.push_back(marks[i + run.size()].should_be);
+            if (!write(marks[i].position, run)) return false;
+        }
+        return true;
     }
 
 private:
+    bool write(std::uint64_t position, const Table& numbers) {
+        const auto count = static_cast<DWORD>(numbers.size() * sizeof(unsigned));
+        DWORD written = 0;
+        return seek(position) && WriteFile(file_, numbers.data(), count, &written, nullptr) != FALSE &&
+               written == count;
+    }
+
     bool seek(std::uint64_t position) {
         LARGE_INTEGER place = {};
         place.QuadPart = static_cast<LONGLONG>(position);
@@ -283,29 +307,65 @@ private:
     HANDLE file_;
 };
 
-FileHandle open_file(const wchar_t* path, DWORD access) {
-    return FileHandle(CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+// A file as it is when its marks are the usual ones.
+class MendedBytes final : public TableBytes {
+public:
+    MendedBytes(FileBytes& file, const Marks& marks) : file_(file), marks_(marks) {}
+
+    std::uint64_t size() override { return file_.size(); }
+
+    std::size_t read(std::uint64_t position, unsigned char* buffer, std::size_t count) override {
+        const std::size_t got = file_.read(position, buffer, count);
+        const auto before = [](const auto& mark, std::uint64_t at) { return mark.position < at; };
+        auto mark = std::lower_bound(marks_.begin(), marks_.end(), position, before);
+        for (; mark != marks_.end() && mark->position + sizeof mark->should_be <= position + got; ++mark)
+            std::memcpy(buffer + (mark->position - position), &mark->should_be, sizeof mark->should_be);
+        return got;
+    }
+
+private:
+    FileBytes& file_;
+    const Marks& marks_;
+};
+
+FileHandle open_file(const wchar_t* path, DWORD access, DWORD shared) {
+    return FileHandle(
+        CreateFileW(path, access, shared, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// Looks again, now that nobody else writes. In a crafted file a list of table sectors may also be a sector of
+// the table or of a stream; the marks are only written where they change nothing else.
+HRESULT mend(HANDLE handle) {
+    FileBytes file(handle);
+    TableFindings found = look_at_tables(file);
+    Marks& marks = found.odd_marks;
+    std::sort(marks.begin(), marks.end(),
+              [](const auto& a, const auto& b) { return a.position < b.position; });
+    MendedBytes mended(file, marks);
+    if (!marks.empty() && found.safe) {
+        const TableFindings after = look_at_tables(mended);
+        found.safe = found.mendable && after.safe && after.odd_marks.empty();
+    }
+    if (!found.safe) return STG_E_DOCFILECORRUPT;
+    return file.mend(marks) ? S_OK : STG_E_ACCESSDENIED;
 }
 
 } // namespace
 
 TableFindings look_at_tables(TableBytes& bytes) { return TableReader(bytes).look(); }
 
-bool has_safe_tables(const wchar_t* path, bool writable) {
-    if (path == nullptr) return true;
+HRESULT make_tables_safe(const wchar_t* path, bool writable) {
+    if (path == nullptr) return S_OK;
     TableFindings found;
-    if (const FileHandle file = open_file(path, GENERIC_READ)) {
+    constexpr DWORD kAnyone = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    if (const FileHandle file = open_file(path, GENERIC_READ, kAnyone)) {
         FileBytes bytes(file.get());
         found = look_at_tables(bytes);
     }
-    if (!found.safe || !writable || found.odd_marks.empty()) return found.safe;
-    if (const FileHandle file = open_file(path, GENERIC_READ | GENERIC_WRITE)) {
-        FileBytes bytes(file.get());
-        for (const auto& odd : found.odd_marks)
-            bytes.mend(odd);
-    }
-    return true;
+    if (!found.safe) return STG_E_DOCFILECORRUPT;
+    if (!writable || found.odd_marks.empty()) return S_OK;
+    const FileHandle file = open_file(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ);
+    return file ? mend(file.get()) : STG_E_ACCESSDENIED;
 }
 
 } // namespace qzr

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/allocator.h"
+#include "stream/platform_storage.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,17 +33,24 @@ struct TableFindings {
         unsigned should_be;
     };
     Vector<OddMark> odd_marks;
+
+    // Whether none of these lies in a chain, the bytes of which it would change.
+    bool mendable = true;
 };
 
 // Takes time and memory in proportion to the bytes.
 TableFindings look_at_tables(TableBytes& bytes);
 
-// Whether it is safe to let the platform open a file: not all of them notice sector numbers that run in
+// S_OK when it is safe to let the platform open a file: not all of them notice sector numbers that run in
 // circles or lead out of the tables, or streams that claim more than their chains hold, and they then hang
 // or end the process. A file that cannot be read, or is none of these, is for the platform to judge and
-// counts as safe. A file that was merely cut short is safe: what is left of it can be read.
+// counts as safe. A file that was merely cut short is safe: what is left of it can be read. Any other is
+// STG_E_DOCFILECORRUPT.
 //
-// Of a file that is to be written to, odd marks become the usual ones, which changes nothing of what it says.
-bool has_safe_tables(const wchar_t* path, bool writable);
+// Of a file that is to be written to, odd marks become the usual ones, which changes nothing of what it says:
+// nobody else writes meanwhile, and when a mark also lies in something that it would change the file is left
+// as it is and is not safe. STG_E_ACCESSDENIED when marks stay odd because others have the file, or it cannot
+// be written to.
+HRESULT make_tables_safe(const wchar_t* path, bool writable);
 
 } // namespace qzr

@@ -12,7 +12,7 @@ namespace {
 
 IXStorage* open_compound_file(const wchar_t* path, int mode) {
     const int storage_mode = mode == 0 ? QZSTORAGE_TRANSACTED : QZSTORAGE_READ_ONLY;
-    if (!has_safe_tables(path, mode == 0)) check_storage(STG_E_DOCFILECORRUPT, QZOP_OPEN, path);
+    check_storage(make_tables_safe(path, mode == 0), QZOP_OPEN, path);
     auto opened = CStorage::make(path, storage_mode);
     check_storage(StgOpenStorage(path, nullptr, storage_flags(storage_mode), nullptr, 0, opened->place()),
                   QZOP_OPEN, path);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -159,6 +160,13 @@ protected:
 
     static constexpr std::size_t kFirst = 116, kSize = 120; // in an entry
 
+    struct Row {
+        const char* what;
+        std::size_t at;
+        std::initializer_list<unsigned> numbers;
+        std::size_t cut = 0;
+    };
+
     ScratchFolder folder;
     std::string sound;
     std::size_t table = 0, directory = 0;
@@ -166,12 +174,6 @@ protected:
 
 // Some platforms hang on such files, or end the process, perhaps only when they are written to.
 TEST_F(DamagedFiles, DoNotOpen) {
-    struct Row {
-        const char* what;
-        std::size_t at;
-        std::initializer_list<unsigned> numbers;
-        std::size_t cut = 0;
-    };
     const Row rows[] = {
         {"sectors of another size", 30, {0x00060003}},
         {"a sector table behind the end", 76, {0x00FFFFFF}},
@@ -204,12 +206,6 @@ TEST_F(DamagedFiles, DoNotOpen) {
 }
 
 TEST_F(DamagedFiles, OpenWhereThePlatformReadsThemWholeAndGrow) {
-    struct Row {
-        const char* what;
-        std::size_t at;
-        std::initializer_list<unsigned> numbers;
-        std::size_t cut = 0;
-    };
     const std::size_t slack = (512 - 40000 % 512) % 512; // behind the last bytes
     const Row rows[] = {
         {"nothing changed", 0, {}},
@@ -217,8 +213,7 @@ TEST_F(DamagedFiles, OpenWhereThePlatformReadsThemWholeAndGrow) {
         {"a last sector with its bytes alone", 0, {}, slack},
         {"a count of one more sector of the table", 44, {2}},
         {"a count of many", 44, {0x7FFFFFFF}},
-        {"another mark behind the sectors of the table", 80, {0xFFFFFFFE}},
-        {"other marks there", 80, {0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF, 0xFFFFFFFE}},
+        {"other marks behind the sectors of the table", 80, {0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF, 0xFFFFFFFE}},
         {"a sector of the table that counts as free", table, {0xFFFFFFFF}},
         {"garbage above the size of a stream", entry_of('a') + 124, {0x12345678}},
     };
@@ -238,6 +233,22 @@ TEST_F(DamagedFiles, OpenWhereThePlatformReadsThemWholeAndGrow) {
         put_stream(*opened(0), "new", pattern(200'000));
         EXPECT_TRUE(get_stream(*opened(1), "new") == pattern(200'000));
     }
+}
+
+TEST_F(DamagedFiles, AreMendedOnlyWhereNothingElseChangesAndNobodyWrites) {
+    const auto refused = [this](const std::wstring& path, const char* code) {
+        const std::string before = folder.contents(L"changed");
+        EXPECT_EQ(thrown_by([&] { open_Storage(path.c_str(), 0); }), code + narrow(path));
+        EXPECT_TRUE(folder.contents(L"changed") == before);
+    };
+    const std::wstring odd = changed(80, {0xFFFFFFFE});
+    {
+        const std::ofstream other(std::filesystem::path(odd), std::ios::app);
+        refused(odd, "8, 0, ");
+    }
+    const unsigned list = number_at(entry_of('b') + kFirst); // among the bytes of a stream
+    sound.replace((list + 1) * 512, 512, "\xFE" + std::string(511, '\xFF'));
+    refused(changed(68, {list, 1}), "15, 0, ");
 }
 
 // What lies before the cut is still there.
