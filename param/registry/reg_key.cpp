@@ -53,11 +53,14 @@ RegKey RegKey::open(const char* name) const noexcept { return open_with(name, 0)
 
 RegKey RegKey::open_unless_link(const char* name) const noexcept {
     RegKey key = open_with(name, REG_OPTION_OPEN_LINK);
+    return key && !key.is_link() ? std::move(key) : RegKey();
+}
+
+bool RegKey::is_link() const noexcept {
     DWORD type = REG_NONE;
-    if (!key || RegQueryValueExA(key.key_.get(), "SymbolicLinkValue", nullptr, &type, nullptr, nullptr) !=
-                    ERROR_SUCCESS)
-        return key;
-    return type != REG_LINK ? std::move(key) : RegKey();
+    return RegQueryValueExA(key_.get(), "SymbolicLinkValue", nullptr, &type, nullptr, nullptr) ==
+               ERROR_SUCCESS &&
+           type == REG_LINK;
 }
 
 RegKey RegKey::create(const char* name, bool& existed) const noexcept {
@@ -74,6 +77,12 @@ RegKey RegKey::create(const char* name, bool& existed) const noexcept {
 
 void RegKey::delete_key(const char* name) const noexcept {
     if (!is_empty(name)) RegDeleteKeyA(key_.get(), name);
+}
+
+// By its own name the system may take a link for what it leads to; the empty name is the key that is open.
+void RegKey::delete_link(const char* name) const noexcept {
+    const RegKey link = open_with(name, REG_OPTION_OPEN_LINK);
+    if (link && link.is_link()) RegDeleteKeyA(link.key_.get(), "");
 }
 
 NameEnum RegKey::key_names() const {

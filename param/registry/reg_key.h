@@ -53,7 +53,8 @@ public:
 
     // Also opens what exists already, and tells.
     RegKey create(const char* name, bool& existed) const noexcept;
-    void delete_key(const char* name) const noexcept; // one without sub-keys
+    void delete_key(const char* name) const noexcept;  // one without sub-keys
+    void delete_link(const char* name) const noexcept; // and not what it leads to; nothing else
 
     // Names as they were at once, longer ones than 512 characters ending the list. Throw CXMemException.
     NameEnum key_names() const;
@@ -68,6 +69,7 @@ public:
 private:
     explicit RegKey(HKEY key) noexcept : key_(key) {}
     RegKey open_with(const char* name, DWORD options) const noexcept;
+    bool is_link() const noexcept; // when it was opened as one
 
     WinHandle<RegistryKeyTraits> key_;
 };

@@ -25,15 +25,18 @@ struct KeyLevel {
 
 enum class SubKeys { kKeep, kDelete };
 
-// Deletes the values in a key and in everything below it, and the keys below it where that is wanted. Links
-// are left alone: what they lead to is not this tree's, and may be above it.
+// Deletes the values in a key and in everything below it, and the keys below it where that is wanted, links
+// as links: what they lead to is not this tree's, and may be above it.
 void empty_key(RegKey top, SubKeys sub_keys) {
     Vector<KeyLevel> levels;
     levels.emplace_back(std::move(top), nullptr);
     while (!levels.empty()) {
         if (const char* const name = next_name(levels.back().children)) {
             RegKey child = levels.back().key.open_unless_link(name);
-            if (child) levels.emplace_back(std::move(child), name);
+            if (child)
+                levels.emplace_back(std::move(child), name);
+            else if (sub_keys == SubKeys::kDelete)
+                levels.back().key.delete_link(name);
             continue;
         }
         delete_values(levels.back().key);
@@ -67,7 +70,7 @@ IParam* CRegistryParam::OpenSubParam(const char* name, int create) {
 
 void CRegistryParam::DeleteSubParam(const char* name) {
     RegKey child = key_.open_unless_link(name);
-    if (!child) return;
+    if (!child) return key_.delete_link(name);
     empty_key(std::move(child), SubKeys::kDelete);
     key_.delete_key(name);
 }
