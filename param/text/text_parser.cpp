@@ -1,15 +1,15 @@
 #include "param/text/text_parser.h"
 
+#include "param/memory/mem_param.h"
 #include "param/text/include_files.h"
+#include "param/text/included_files.h"
 #include "param/text/statement_reader.h"
 #include "param/text/value_text.h"
 #include "qzparam.h"
 #include "qzref.h"
 #include "string/multibyte.h"
 
-#include <cstdint>
 #include <deque>
-#include <map>
 #include <utility>
 
 namespace qzr {
@@ -18,24 +18,15 @@ namespace {
 
 constexpr std::size_t kDeepestInclude = 16; // the outermost text is 0
 
-// Files that include others several times each multiply from level to level; this many are read in all.
-constexpr unsigned kMostIncludes = 10000;
-
-// Of files that were read before, so many bytes are read again: a small text and a large file would do for
-// hours.
-constexpr std::uint64_t kMostRepeatedBytes = std::uint64_t{64} << 20;
-
 constexpr std::string_view kInclude = "#include";
 
 // A text that is being read.
 struct Source {
     Source(std::string_view text, std::wstring from) : path(std::move(from)), statements(text) {}
-    Source(std::string&& file, std::wstring from)
-        : content(std::move(file)), path(std::move(from)), statements(content) {}
-    Source(const Source&) = delete; // the reader points into the content
-    Source& operator=(const Source&) = delete;
+    Source(FileContent file, std::wstring from)
+        : content(std::move(file)), path(std::move(from)), statements(*content) {}
 
-    std::string content; // of an included file
+    FileContent content; // of an included file; the reader points into it
     std::wstring path;   // empty for a text that comes from no file
     StatementReader statements;
 };
@@ -79,7 +70,8 @@ std::string_view section_path(std::string_view statement, const LeadBytes& leads
 
 class TextParser {
 public:
-    explicit TextParser(IParam& root) : root_(CQZRef<IParam>::Share(&root)) {}
+    explicit TextParser(IParam& root)
+        : root_(CQZRef<IParam>::Share(&root)), files_(dynamic_cast<CMemParam*>(&root) != nullptr) {}
 
     void run(std::string_view text, const std::wstring& path) {
         sources_.emplace_back(text, path);
@@ -111,18 +103,11 @@ private:
 
     // A file that is missing, or is being read already, is passed over.
     void include(std::string_view name) {
-        if (sources_.size() > kDeepestInclude || includes_ == kMostIncludes) return;
+        if (sources_.size() > kDeepestInclude || files_.exhausted()) return;
         std::wstring path = named_file(name, sources_.back().path);
         if (path.empty() || is_being_read(path)) return;
-        const auto [known, first_time] = included_.try_emplace(path, kUsualTextSize);
-        if (!first_time && repeated_bytes_ >= kMostRepeatedBytes) return;
-        ++includes_;
-        std::string content;
-        const bool opened = try_read_text_file(path, known->second, content);
-        known->second = content.size();
-        if (!opened) return;
-        if (!first_time) repeated_bytes_ += content.size();
-        sources_.emplace_back(std::move(content), std::move(path));
+        FileContent content = files_.open(path);
+        if (content) sources_.emplace_back(std::move(content), std::move(path));
     }
 
     bool is_being_read(const std::wstring& path) const {
@@ -187,9 +172,7 @@ private:
     CQZRef<IParam> root_;
     CQZRef<IParam> node_;        // of the section being read; nothing before the first one
     std::deque<Source> sources_; // innermost last; stays in place while growing
-    unsigned includes_ = 0;
-    std::map<std::wstring, std::size_t, FileOrder> included_; // files that were asked for, and their sizes
-    std::uint64_t repeated_bytes_ = 0;
+    IncludedFiles files_;
     std::string scratch_;
     const LeadBytes leads_ = lead_bytes();
 };

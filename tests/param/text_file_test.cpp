@@ -25,7 +25,6 @@ protected:
         EXPECT_EQ(Param_IniFile2Param(path.c_str(), tree.Get()), 1);
         return text_of(*tree);
     }
-    std::string read_text(std::string_view text) const { return read(folder_.file(L"read.ini", text)); }
 
     ScratchFolder folder_;
 };
@@ -42,13 +41,6 @@ TEST_F(IniFile, WritesALineForEachNode) {
     EXPECT_EQ(folder_.contents(L"f.ini"), "\r\n[\\]\t");
 }
 
-TEST_F(IniFile, AddsToTheTree) {
-    const Tree tree = tree_from("[\\]|a=i1|b=i2");
-    EXPECT_EQ(Param_IniFile2Param(folder_.file(L"f.ini", "[\\]\nb=i3\n[\\s]\nc=i4").c_str(), tree.Get()), 1);
-    EXPECT_EQ(text_of(*tree), "[\\]|a=i1|b=i3|[\\s]|c=i4|");
-    EXPECT_EQ(read_text(""), "[\\]|");
-}
-
 TEST_F(IniFile, ReadsWhatALiveTreeWrote) {
     const std::wstring path = folder_.path(L"live.ini");
     const auto live = Tree::Adopt(new_IParamIniFile(path.c_str()));
@@ -61,20 +53,14 @@ TEST_F(IniFile, ReadsWhatALiveTreeWrote) {
     EXPECT_EQ(get_int(*again, "a"), kNoValue);
 }
 
-TEST_F(IniFile, IncludesFromTheDirectoryOfTheFile) {
+TEST_F(IniFile, IncludesBlocksOfMemory) {
     const LowMemory block("from_memory=i7");
     const std::string memory = narrow(block.path().c_str());
     const std::string place = memory.substr(0, memory.find(',') + 1);
-    folder_.file(L"one.ini", "one=i1|#include .\\f.ini|#include \".\\two.ini\"");
-    folder_.file(L"two.ini", "two=i2");
     const struct {
         std::string include;
         const char* read;
     } rows[] = {
-        {".\\two.ini", "two=i2|"},
-        {".\\one.ini", "one=i1|two=i2|"}, // which does not include the file itself again
-        {narrow(folder_.path(L"two.ini").c_str()), "two=i2|"},
-        {"two.ini", ""}, // is taken from the current directory
         {memory, "from_memory=i7|"},
         {"FMEM" + place.substr(4) + "11", "from_memory=i0|"},
         {place + "2000000000", ""}, // more than there is
