@@ -1,7 +1,7 @@
 // What the files included by one text hold.
 #pragma once
 
-#include "param/text/include_files.h"
+#include "param/text/text_files.h"
 
 #include <cstdint>
 #include <map>

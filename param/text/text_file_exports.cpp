@@ -1,5 +1,5 @@
 // Whole files in the text form.
-#include "param/text/include_files.h"
+#include "param/text/text_files.h"
 #include "param/text/text_form.h"
 #include "param/text/text_parser.h"
 #include "qzexception.h"

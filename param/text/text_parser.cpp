@@ -1,9 +1,9 @@
 #include "param/text/text_parser.h"
 
 #include "param/memory/mem_param.h"
-#include "param/text/include_files.h"
 #include "param/text/included_files.h"
 #include "param/text/statement_reader.h"
+#include "param/text/text_files.h"
 #include "param/text/value_text.h"
 #include "qzparam.h"
 #include "qzref.h"

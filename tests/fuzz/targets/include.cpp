@@ -10,7 +10,7 @@
 namespace {
 
 constexpr char kNextFile = '\x1D';
-constexpr std::size_t kFiles = 4, kRoom = 2048;
+constexpr std::size_t kFiles = 4, kRoom = 256;
 constexpr std::size_t kFirst = 0x70000000; // above what other targets use
 
 std::string path_of(std::size_t file) {

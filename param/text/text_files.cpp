@@ -1,4 +1,4 @@
-#include "param/text/include_files.h"
+#include "param/text/text_files.h"
 
 #include "core/windows_lean.h"
 #include "fio/path_kind.h"
