@@ -27,10 +27,15 @@ const wchar_t* share(const wchar_t* name) {
     return name;
 }
 
-// Frees the buffer when nobody shows it any more.
-void give_up(const wchar_t* name) {
+enum class Others { kKeepIt, kLoseIt };
+
+// Frees the buffer when nobody shows it any more, or whoever else does. That is the last step, and a single
+// one: from then on another thread's exception may have the buffer.
+void give_up(const wchar_t* name, Others others) {
     std::atomic<int>* const count = count_of(name);
-    if (count != nullptr && --*count == 0) const_cast<wchar_t*>(name)[0] = L'\0';
+    if (count == nullptr) return;
+    const bool last = --*count == 0;
+    if (last || others == Others::kLoseIt) const_cast<wchar_t*>(name)[0] = L'\0';
 }
 
 // The first free buffer, else the first one. Storing the name's first unit is what takes a buffer, so an
@@ -77,15 +82,12 @@ CXFileException& CXFileException::operator=(const CXFileException& other) noexce
     CXException::operator=(other);
     m_pszFileName = share(other.m_pszFileName);
     m_nOperation = other.m_nOperation;
-    give_up(former);
+    give_up(former, Others::kKeepIt);
     return *this;
 }
 
 // Any copy's end frees the buffer, though others may still point there.
-CXFileException::~CXFileException() {
-    give_up(m_pszFileName);
-    const_cast<wchar_t*>(m_pszFileName)[0] = L'\0';
-}
+CXFileException::~CXFileException() { give_up(m_pszFileName, Others::kLoseIt); }
 
 CXIFaceException::CXIFaceException(const std::type_info& iid) noexcept
     : CXException(QZERR_INTERFACE), m_pIid(&iid) {}
