@@ -50,11 +50,14 @@ bool Reply::read(DWORD units) {
 }
 
 // Every server knows the command: each transfer begins with it.
-bool still_answers(HINTERNET connection) { return command(connection, L"TYPE I"); }
+bool still_answers(HINTERNET connection) {
+    constexpr int kDone = 200;
+    return command(connection, L"TYPE I") && Reply().code() == kDone;
+}
 
 DWORD transfer_end(HINTERNET connection) {
     if (Reply().is_failure()) return ERROR_INTERNET_EXTENDED_ERROR;
-    return still_answers(connection) ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_INTERNET_CONNECTION_ABORTED};
+    return command(connection, L"TYPE I") ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_INTERNET_CONNECTION_ABORTED};
 }
 
 std::optional<FileSize> remote_size(HINTERNET connection, const wchar_t* path) {

@@ -33,12 +33,14 @@ private:
     CXStringW text_;
 };
 
-// Whether the server still answers. Its last word may be missing when a transfer breaks off, and the client
-// does not tell that from a good end.
+// Whether the server still answers, and answers what it was asked. Its last word may be missing when a
+// transfer breaks off, and the client does not tell that from a good end. A word that comes too late, or
+// twice, is taken for the answer to the next command, and so on to the end: nothing that is said then can be
+// relied on.
 bool still_answers(HINTERNET connection);
 
 // How a transfer ended whose handle is closed. The client does not tell whether the server was content in the
-// end; its last reply does. @return 0, or an error
+// end; its last reply does, also when it comes late. @return 0, or an error
 DWORD transfer_end(HINTERNET connection);
 
 // The size that the server says a file has; none when it tells no number.

@@ -77,8 +77,10 @@ protected:
         return still_answers(connection) ? Placing::kTargetIsGone : Placing::kUnknown;
     }
 
-    // Of what was sent under its first name. @return whether it is gone
-    bool remove(HINTERNET connection) const { return FtpDeleteFileW(connection, names_.sent) != FALSE; }
+    // Of what was sent, under its first name or the other. @return whether it is gone
+    static bool remove(HINTERNET connection, const wchar_t* name) {
+        return FtpDeleteFileW(connection, name) != FALSE;
+    }
 
 private:
     bool rename(HINTERNET connection, const wchar_t* from, const wchar_t* to) {
@@ -109,11 +111,11 @@ public:
 private:
     DWORD talk(HINTERNET connection) override {
         if (names().sent.GetSize() == 0) return send_to_target(connection);
+        way_ = Way::kPart; // the server may begin the file and never say so
         InternetHandle remote = open(connection, names().sent);
         if (!remote) return name_refused(connection);
-        way_ = Way::kPart;
         if (const DWORD error = send(connection, std::move(remote), names().sent); error != ERROR_SUCCESS) {
-            if (way_ == Way::kPart && remove(connection)) way_ = Way::kNotBegun;
+            if (way_ == Way::kPart && remove(connection, names().sent)) way_ = Way::kNotBegun;
             return error;
         }
         way_ = Way::kPlacing;
@@ -133,18 +135,17 @@ private:
         const DWORD error = client_error();
         constexpr int kNoRoom = 552;
         const int code = Reply().code();
-        if (is_final_failure(code) && code != kNoRoom) return send_to_target(connection);
-        if (!is_failure(code)) way_ = Way::kPart; // as far as is known
-        return error;
+        if (is_failure(code)) way_ = Way::kNotBegun;
+        return is_final_failure(code) && code != kNoRoom ? send_to_target(connection) : error;
     }
 
     // Of a file that cannot be renamed. The one beside stays when it may be the only whole one that the
     // server has in the end.
     DWORD send_instead(HINTERNET connection, Placing placing) {
         const DWORD error = send_to_target(connection);
-        const bool target_is_whole =
-            error == ERROR_SUCCESS || (!target_began_ && placing != Placing::kTargetIsGone);
-        if (target_is_whole) remove(connection);
+        const bool moved_away = placing == Placing::kTargetIsGone;
+        if (error == ERROR_SUCCESS || (!target_began_ && !moved_away))
+            remove(connection, moved_away ? names().moved : names().sent);
         return error;
     }
 
@@ -162,7 +163,7 @@ private:
         if (!target_began_) way_ = Way::kAll;
         remote.reset();
         if (Reply().is_failure()) return broken_off(ERROR_INTERNET_EXTENDED_ERROR);
-        if (const DWORD error = transfer_end(connection); error != ERROR_SUCCESS) return error;
+        if (!still_answers(connection)) return ERROR_INTERNET_CONNECTION_ABORTED;
         moved();
         const std::optional<FileSize> arrived = remote_size(connection, name);
         if (arrived && *arrived != sent_) return broken_off(ERROR_INTERNET_CONNECTION_ABORTED);
@@ -230,7 +231,7 @@ private:
     }
 
     DWORD give_up(HINTERNET connection) {
-        remove(connection);
+        remove(connection, names().sent);
         return ERROR_INTERNET_CONNECTION_ABORTED;
     }
 

@@ -26,11 +26,14 @@ WORDS = {
     "lost": "takes a file that is not empty, and ends the conversation before it says so",
     "silent": "takes a file that is not empty, and never says so",
     "full": "takes nothing of a file",
+    "dumb": "begins the temporary file of an upload, and never asks for it",
+    "chatty": "says twice that it has a file",
     "tight": "has room for half a megabyte",
     "hidden": "shows a new file when it is complete",
     "fussy": "takes no temporary file of an upload",
     "norename": "renames nothing",
     "noover": "renames nothing to a name that is taken",
+    "bound": "renames a file of an upload to no other name",
     "mute": "says nothing once the user is known",
     "nodata": "refuses data connections",
     "deaf": "names a port for data where nobody listens",
@@ -142,7 +145,9 @@ class Conversation:
     def do_rnto(self, path):
         name = self.absolute(path)
         with lock:
-            done = not ("noover" in self.words and name in files) and self.renamed in files
+            taken = "noover" in self.words and name in files
+            bound = "bound" in self.words and not name.startswith("/QZP")
+            done = not taken and not bound and self.renamed in files
             if done:
                 files[name] = files.pop(self.renamed)
         self.say("250 renamed" if done else "553 no")
@@ -218,6 +223,9 @@ class Conversation:
             return
         if "hidden" not in self.words:
             self.store(name, b"")
+        if "dumb" in self.words and name.startswith("/QZP"):
+            self.reader.read()
+            raise Hangup
         content = b""
         with self.data() as data:
             while piece := data.recv(65536):
@@ -238,6 +246,8 @@ class Conversation:
             self.reader.read()
         if {"lost", "silent"} & self.words and content:
             raise Hangup
+        if "chatty" in self.words:
+            self.say("226 I have it")
         self.say_end()
 
     def store(self, name, content):
