@@ -38,7 +38,7 @@ WORDS = {
     "nodata": "refuses data connections",
     "deaf": "names a port for data where nobody listens",
     "hangup": "ends the conversation when a file is asked for",
-    "wide": "greets with a thousand lines",
+    "wide": "greets with hundreds of lines",
     "keep": "deletes nothing",
     "leaves": "ends the conversation when a file is to be deleted for the first time",
     "knows": "lists twenty numbered probes",
@@ -86,7 +86,7 @@ class Conversation:
 
     def say(self, text):
         if "wide" in self.words and text.startswith("230"):
-            self.control.sendall(b"230-welcome\r\n" + b" to all the words that we can find\r\n" * 1000)
+            self.control.sendall(b"230-welcome\r\n" + b" to all the words that we can find\r\n" * 200)
         self.control.sendall(text.encode() + b"\r\n")
 
     # ---- the session
